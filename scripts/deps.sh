@@ -1,0 +1,13 @@
+#!/bin/sh
+# Installs what building and testing need, when it is missing (Debian).
+set -eu
+need=""
+for p in cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev binutils; do
+  dpkg -s "$p" >/dev/null 2>&1 || need="$need $p"
+done
+[ -z "$need" ] && exit 0
+echo "installing:$need"
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO=sudo
+$SUDO apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq $need

@@ -1,0 +1,3 @@
+// Absolute-difference kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "rvcvabsdiff_k.h"

@@ -1,0 +1,3 @@
+// Absolute-difference kernels for the SSE3 baseline.
+#define RVCV_ISA_NS m7
+#include "rvcvabsdiff_k.h"

@@ -1,0 +1,23 @@
+// Instruction-set dispatch. The level is chosen once, when the library is
+// loaded, from the core library's enabled features; every path gives the same
+// bits. Tests may force a lower level (never a level the CPU lacks).
+#ifndef RVCV_CPU_H
+#define RVCV_CPU_H
+
+namespace rvcv {
+
+enum class Isa : int { M7 = 0, Avx2 = 1 };  // M7: the SSE3 baseline
+
+Isa activeIsa();
+bool isaAvailable(Isa isa);
+// Test hook: selects a level the processor has; returns false otherwise.
+bool forceIsa(Isa isa);
+
+// Picks the entry of a per-level table: tables list the baseline first.
+template <class Table> const Table& pick(const Table& m7, const Table& avx2) {
+    return activeIsa() == Isa::Avx2 ? avx2 : m7;
+}
+
+}  // namespace rvcv
+
+#endif
