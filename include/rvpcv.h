@@ -123,6 +123,88 @@ RVPAPI RvpStatus rvpiAbsDiffC_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* p
                                       RvpiSize roiSize, Rvp32f value);
 
 /* ---- Accumulation ----------------------------------------------------- */
+/* pSrcDst += pSrc per pixel, in single precision (integers convert exactly).
+ * Masked forms (IMR) add where the mask byte is not zero; a masked-out pixel
+ * may have a negative zero turned positive. Statuses: NullPtr, Size, Step,
+ * NotEvenStep (accumulator step not a multiple of 4; 16u32f: odd source step). */
+RVPAPI RvpStatus rvpiAdd_8u32f_C1IR(const Rvp8u* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                    RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_8s32f_C1IR(const Rvp8s* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                    RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_16u32f_C1IR(const Rvp16u* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                     RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_8u32f_C1IMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_8s32f_C1IMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_16u32f_C1IMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAdd_32f_C1IMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                   Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+/* pSrcDst += pSrc * pSrc, the square formed in float. Statuses as rvpiAdd. */
+RVPAPI RvpStatus rvpiAddSquare_8u32f_C1IR(const Rvp8u* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                          RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_8s32f_C1IR(const Rvp8s* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                          RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_16u32f_C1IR(const Rvp16u* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                           RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_32f_C1IR(const Rvp32f* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                        RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_8u32f_C1IMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                           Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_8s32f_C1IMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                           Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_16u32f_C1IMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask,
+                                            int maskStep, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddSquare_32f_C1IMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+/* pSrcDst += pSrc1 * pSrc2, both converted to float first. Statuses as rvpiAdd. */
+RVPAPI RvpStatus rvpiAddProduct_8u32f_C1IR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2,
+                                           int src2Step, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_8s32f_C1IR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2,
+                                           int src2Step, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_16u32f_C1IR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2,
+                                            int src2Step, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_32f_C1IR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2,
+                                         int src2Step, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_8u32f_C1IMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2,
+                                            int src2Step, const Rvp8u* pMask, int maskStep, Rvp32f* pSrcDst,
+                                            int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_8s32f_C1IMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2,
+                                            int src2Step, const Rvp8u* pMask, int maskStep, Rvp32f* pSrcDst,
+                                            int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_16u32f_C1IMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2,
+                                             int src2Step, const Rvp8u* pMask, int maskStep, Rvp32f* pSrcDst,
+                                             int srcDstStep, RvpiSize roiSize);
+RVPAPI RvpStatus rvpiAddProduct_32f_C1IMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2,
+                                          int src2Step, const Rvp8u* pMask, int maskStep, Rvp32f* pSrcDst,
+                                          int srcDstStep, RvpiSize roiSize);
+/* pSrcDst = pSrcDst + (pSrc - pSrcDst) * alpha: a running average; alpha is
+ * used as given, without a range test. Statuses as rvpiAdd. */
+RVPAPI RvpStatus rvpiAddWeighted_8u32f_C1IR(const Rvp8u* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                            RvpiSize roiSize, Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_8s32f_C1IR(const Rvp8s* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                            RvpiSize roiSize, Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_16u32f_C1IR(const Rvp16u* pSrc, int srcStep, Rvp32f* pSrcDst,
+                                             int srcDstStep, RvpiSize roiSize, Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_32f_C1IR(const Rvp32f* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+                                          RvpiSize roiSize, Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_8u32f_C1IMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask,
+                                             int maskStep, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize,
+                                             Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_8s32f_C1IMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask,
+                                             int maskStep, Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize,
+                                             Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_16u32f_C1IMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask,
+                                              int maskStep, Rvp32f* pSrcDst, int srcDstStep,
+                                              RvpiSize roiSize, Rvp32f alpha);
+RVPAPI RvpStatus rvpiAddWeighted_32f_C1IMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                           Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, Rvp32f alpha);
+/* pDst = pSrc2 + (pSrc1 - pSrc2) * alpha, on the calling thread.
+ * Statuses: NullPtr, Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiAddWeighted_32f_C1R(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2,
+                                         int src2Step, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                         Rvp32f alpha);
 
 /* ---- Row and column pipelines ----------------------------------------- */
 

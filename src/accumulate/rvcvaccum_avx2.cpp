@@ -1,0 +1,3 @@
+// Accumulation kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "rvcvaccum_k.h"

@@ -1,0 +1,3 @@
+// Accumulation kernels for the SSE3 baseline.
+#define RVCV_ISA_NS m7
+#include "rvcvaccum_k.h"
