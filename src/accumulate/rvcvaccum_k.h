@@ -1,6 +1,6 @@
 // Accumulation kernels, written once over source type, operation and mask,
-// compiled per instruction set. A row runs 8 pixels a step, then at most one
-// group of 4, both branch-free; only the last width % 4 pixels go one by one.
+// compiled per instruction set. A row runs 8 pixels a step (AVX2) or 4 (SSE),
+// then groups of 4, all branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
 #include <type_traits>
@@ -12,42 +12,67 @@ namespace rvcv {
 namespace RVCV_ISA_NS {
 namespace {
 
-template <class T, int N> struct Lanes {
-    typedef T type __attribute__((vector_size(N * sizeof(T))));
-};
-template <int N> using F = typename Lanes<float, N>::type;
-template <int N> using I = typename Lanes<int32_t, N>::type;
-
 template <class T> inline T* nextRow(T* p, int64_t bytes) {
     using B = typename std::conditional<std::is_const<T>::value, const char, char>::type;
     return reinterpret_cast<T*>(reinterpret_cast<B*>(p) + bytes);
 }
 
-// N samples of T, widened exactly to float.
-template <class T, int N> inline F<N> loadf(const T* p) {
-    typename Lanes<T, N>::type v;
-    std::memcpy(&v, p, sizeof v);
-    if constexpr (std::is_same<T, float>::value) return v;
-    else return __builtin_convertvector(__builtin_convertvector(v, I<N>), F<N>);
+// ---- Four pixels (SSE) --------------------------------------------------------
+// Samples widened exactly to float.
+inline __m128i load4bytes(const void* p) {
+    int32_t v;
+    std::memcpy(&v, p, 4);
+    return _mm_cvtsi32_si128(v);
 }
-
-// All ones where the mask byte is not zero.
-template <int N> inline I<N> loadMask(const uint8_t* p) {
-    typename Lanes<uint8_t, N>::type v;
-    std::memcpy(&v, p, sizeof v);
-    return __builtin_convertvector(v, I<N>) != 0;
+inline __m128 widen4(const uint8_t* p) {
+    const __m128i z = _mm_setzero_si128();
+    return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(load4bytes(p), z), z));
 }
+inline __m128 widen4(const int8_t* p) {
+    const __m128i x = load4bytes(p);
+    const __m128i y = _mm_unpacklo_epi8(x, x);
+    return _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(y, y), 24));
+}
+inline __m128 widen4(const uint16_t* p) {
+    return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128()));
+}
+inline __m128 widen4(const float* p) { return _mm_loadu_ps(p); }
+// Clears the term's bits where the mask byte is zero.
+inline __m128 select4(const uint8_t* m, __m128 t) {
+    const __m128i off = _mm_cmpeq_epi8(load4bytes(m), _mm_setzero_si128());
+    const __m128i y = _mm_unpacklo_epi8(off, off);
+    return _mm_andnot_ps(_mm_castsi128_ps(_mm_unpacklo_epi16(y, y)), t);
+}
+inline void store(float* p, __m128 v, bool nt) {
+    if (nt) _mm_stream_ps(p, v);
+    else _mm_storeu_ps(p, v);
+}
+inline __m128 broadcast4(float a) { return _mm_set1_ps(a); }
 
-template <int N> inline void storef(float* p, F<N> v, bool nt) {
-    if constexpr (N == 8) {
-        if (nt) return streamv(p, v);
+#ifdef __AVX2__
+// ---- Eight pixels (AVX2) ------------------------------------------------------
+inline __m128i load8bytes(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
+inline __m256 widen8(const uint8_t* p) { return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(load8bytes(p))); }
+inline __m256 widen8(const int8_t* p) { return _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(load8bytes(p))); }
+inline __m256 widen8(const uint16_t* p) {
+    return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+}
+inline __m256 widen8(const float* p) { return _mm256_loadu_ps(p); }
+inline __m256 select8(const uint8_t* m, __m256 t) {
+    const __m256i off = _mm256_cmpeq_epi32(_mm256_cvtepu8_epi32(load8bytes(m)), _mm256_setzero_si256());
+    return _mm256_andnot_ps(_mm256_castsi256_ps(off), t);
+}
+// Rows bypassing the cache are 16-byte aligned, so two 16-byte streams.
+inline void store(float* p, __m256 v, bool nt) {
+    if (nt) {
+        _mm_stream_ps(p, _mm256_castps256_ps128(v));
+        _mm_stream_ps(p + 4, _mm256_extractf128_ps(v, 1));
     } else {
-        __m128 x;
-        std::memcpy(&x, &v, 16);
-        if (nt) return _mm_stream_ps(p, x);
+        _mm256_storeu_ps(p, v);
     }
-    std::memcpy(p, &v, sizeof v);
 }
+inline __m256 broadcast8(float a) { return _mm256_set1_ps(a); }
+#endif
 
 // The term added to the accumulator, in the family's exact operation order.
 template <int Op> struct Term {
@@ -60,16 +85,28 @@ template <int Op> struct Term {
     }
 };
 
-template <class T, int Op, bool Masked, int N>
-inline void group(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, float alpha, bool nt) {
-    const F<N> a = loadf<float, N>(acc);
-    const F<N> x = loadf<T, N>(s1);
-    const F<N> y = Op == kAccProduct ? loadf<T, N>(s2) : x;
-    F<N> t = Term<Op>::of(x, y, a, F<N>{} + alpha);
-    // Cleared after the term is formed: a NaN or infinity of an unselected
-    // source pixel never reaches the sum, which becomes acc + 0.
-    if (Masked) t = reinterpret_cast<F<N>>(reinterpret_cast<I<N>>(t) & loadMask<N>(m));
-    storef<N>(d, a + t, nt);
+#ifdef __AVX2__
+template <class T, int Op, bool Masked>
+inline void group8(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m256 alpha, bool nt) {
+    const __m256 a = _mm256_loadu_ps(acc);
+    const __m256 x = widen8(s1);
+    const __m256 y = Op == kAccProduct ? widen8(s2) : x;
+    __m256 t = Term<Op>::of(x, y, a, alpha);
+    if (Masked) t = select8(m, t);
+    store(d, a + t, nt);
+}
+#endif
+
+// Branch-free: the term is cleared after it is formed, so a NaN or infinity
+// of an unselected source pixel never reaches the sum, which becomes acc + 0.
+template <class T, int Op, bool Masked>
+inline void group4(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m128 alpha, bool nt) {
+    const __m128 a = _mm_loadu_ps(acc);
+    const __m128 x = widen4(s1);
+    const __m128 y = Op == kAccProduct ? widen4(s2) : x;
+    __m128 t = Term<Op>::of(x, y, a, alpha);
+    if (Masked) t = select4(m, t);
+    store(d, a + t, nt);
 }
 
 template <class T, int Op, bool Masked>
@@ -80,14 +117,19 @@ void accumulate(const AccumArgs& g, int rows, int w) {
     const float* acc = g.acc;
     float* d = g.d;
     const float alpha = g.alpha;
+    const __m128 alpha4 = broadcast4(alpha);
+#ifdef __AVX2__
+    const __m256 alpha8 = broadcast8(alpha);
+#endif
     for (int y = 0; y < rows; ++y) {
         const bool nt = g.nt && aligned16(d);
         int x = 0;
-        for (; x + 8 <= w; x += 8) group<T, Op, Masked, 8>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha, nt);
-        if (x + 4 <= w) {
-            group<T, Op, Masked, 4>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha, nt);
-            x += 4;
-        }
+#ifdef __AVX2__
+        for (; x + 8 <= w; x += 8)
+            group8<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, nt);
+#endif
+        for (; x + 4 <= w; x += 4)
+            group4<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha4, nt);
         for (; x < w; ++x) {
             if (Masked && m[x] == 0) continue;
             const float a = acc[x], u = static_cast<float>(s1[x]);
