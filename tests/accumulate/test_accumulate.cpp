@@ -1,0 +1,290 @@
+// Accumulation against the reference model: every member, sizes from 1x1 to
+// past the parallel threshold, padded steps, random masks, negative zeros and
+// NaN in masked-out pixels, every dispatch level and thread counts 1, 2, 3, 8.
+#include <cmath>
+#include <functional>
+
+#include "reference/ref_accumulate.h"
+#include "accumulate/rvcvaccum.h"
+#include "support/rvtest.h"
+
+using namespace rvtest;
+using ref::AccOp;
+
+namespace {
+
+// Uniform view of one member: sources, mask (null for unmasked), accumulator.
+using Call = std::function<RvpStatus(const void*, int, const void*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, float)>;
+struct Member { std::string name; AccOp op; bool masked; int type; Call call; };
+
+template <class T> using Plain = RvpStatus (*)(const T*, int, Rvp32f*, int, RvpiSize);
+template <class T> using Masked = RvpStatus (*)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize);
+template <class T> using Prod = RvpStatus (*)(const T*, int, const T*, int, Rvp32f*, int, RvpiSize);
+template <class T> using ProdM = RvpStatus (*)(const T*, int, const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize);
+template <class T> using Wtd = RvpStatus (*)(const T*, int, Rvp32f*, int, RvpiSize, Rvp32f);
+template <class T> using WtdM = RvpStatus (*)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, Rvp32f);
+
+template <class T> const T* typed(const void* p) { return static_cast<const T*>(p); }
+
+template <class T>
+void membersOf(std::vector<Member>& v, int type, const std::string& t, Plain<T> add, Masked<T> addM, Plain<T> sq,
+               Masked<T> sqM, Prod<T> pr, ProdM<T> prM, Wtd<T> w, WtdM<T> wM) {
+    if (add)
+        v.push_back({"Add_" + t, AccOp::Add, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return add(typed<T>(a), sa, d, sd, r); }});
+    v.push_back({"AddM_" + t, AccOp::Add, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return addM(typed<T>(a), sa, m, sm, d, sd, r); }});
+    v.push_back({"Square_" + t, AccOp::Square, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return sq(typed<T>(a), sa, d, sd, r); }});
+    v.push_back({"SquareM_" + t, AccOp::Square, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return sqM(typed<T>(a), sa, m, sm, d, sd, r); }});
+    v.push_back({"Product_" + t, AccOp::Product, false, type, [=](const void* a, int sa, const void* b, int sb, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return pr(typed<T>(a), sa, typed<T>(b), sb, d, sd, r); }});
+    v.push_back({"ProductM_" + t, AccOp::Product, true, type, [=](const void* a, int sa, const void* b, int sb, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return prM(typed<T>(a), sa, typed<T>(b), sb, m, sm, d, sd, r); }});
+    v.push_back({"Weighted_" + t, AccOp::Weighted, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float al) { return w(typed<T>(a), sa, d, sd, r, al); }});
+    v.push_back({"WeightedM_" + t, AccOp::Weighted, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float al) { return wM(typed<T>(a), sa, m, sm, d, sd, r, al); }});
+}
+
+const std::vector<Member>& members() {
+    static const std::vector<Member> v = [] {
+        std::vector<Member> m;
+        membersOf<Rvp8u>(m, 0, "8u32f", rvpiAdd_8u32f_C1IR, rvpiAdd_8u32f_C1IMR, rvpiAddSquare_8u32f_C1IR,
+                         rvpiAddSquare_8u32f_C1IMR, rvpiAddProduct_8u32f_C1IR, rvpiAddProduct_8u32f_C1IMR,
+                         rvpiAddWeighted_8u32f_C1IR, rvpiAddWeighted_8u32f_C1IMR);
+        membersOf<Rvp8s>(m, 1, "8s32f", rvpiAdd_8s32f_C1IR, rvpiAdd_8s32f_C1IMR, rvpiAddSquare_8s32f_C1IR,
+                         rvpiAddSquare_8s32f_C1IMR, rvpiAddProduct_8s32f_C1IR, rvpiAddProduct_8s32f_C1IMR,
+                         rvpiAddWeighted_8s32f_C1IR, rvpiAddWeighted_8s32f_C1IMR);
+        membersOf<Rvp16u>(m, 2, "16u32f", rvpiAdd_16u32f_C1IR, rvpiAdd_16u32f_C1IMR, rvpiAddSquare_16u32f_C1IR,
+                          rvpiAddSquare_16u32f_C1IMR, rvpiAddProduct_16u32f_C1IR, rvpiAddProduct_16u32f_C1IMR,
+                          rvpiAddWeighted_16u32f_C1IR, rvpiAddWeighted_16u32f_C1IMR);
+        membersOf<Rvp32f>(m, 3, "32f", nullptr, rvpiAdd_32f_C1IMR, rvpiAddSquare_32f_C1IR, rvpiAddSquare_32f_C1IMR,
+                          rvpiAddProduct_32f_C1IR, rvpiAddProduct_32f_C1IMR, rvpiAddWeighted_32f_C1IR,
+                          rvpiAddWeighted_32f_C1IMR);
+        return m;
+    }();
+    return v;
+}
+
+struct Case { int w, h, pad; };
+const Case kCases[] = {{1, 1, 0}, {1, 6, 4}, {2, 3, 0}, {3, 4, 8}, {4, 1, 0}, {5, 3, 4}, {7, 2, 0}, {8, 2, 12},
+                       {9, 3, 0}, {11, 4, 4}, {12, 1, 0}, {15, 3, 8}, {16, 2, 0}, {17, 3, 4}, {35, 5, 0},
+                       {64, 3, 16}, {101, 37, 4}, {513, 520, 8}};
+
+// Accumulator values: ordinary numbers with a sprinkling of zeros of both signs.
+float accValue(std::mt19937& rng) {
+    switch (rng() % 8) {
+    case 0: return -0.0f;
+    case 1: return 0.0f;
+    default: return std::uniform_real_distribution<float>(-500, 500)(rng);
+    }
+}
+
+template <class T>
+void checkMember(const Member& m, uint32_t seed) {
+    const float alpha = 0.3f;
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(testing::Message() << m.name << " " << c.w << "x" << c.h << " pad " << c.pad << " seed " << seed);
+        std::mt19937 rng(seed + c.w * 977u + c.h);
+        Random<T> rnd(seed ^ (c.w * 31u + c.h));
+        Image<T> s1(c.w, c.h, 1, c.pad), s2(c.w, c.h, 1, c.pad + 2 * static_cast<int>(sizeof(T)));
+        Image<Rvp8u> mask(c.w, c.h, 1, c.pad + 3);
+        Image<Rvp32f> acc(c.w, c.h, 1, c.pad);
+        s1.fill(rnd);
+        s2.fill(rnd);
+        mask.fill([&] { return static_cast<Rvp8u>(rng() % 3 == 0 ? 0 : rng() % 256); });
+        acc.fill([&] { return accValue(rng); });
+        // Masked-out float sources carry NaN and infinities: they must not reach the sum.
+        if constexpr (std::is_same<T, Rvp32f>::value)
+            if (m.masked)
+                for (int y = 0; y < c.h; ++y)
+                    for (int x = 0; x < c.w; ++x)
+                        if (mask.at(x, y) == 0) s1.at(x, y) = (x + y) % 2 ? NAN : -INFINITY;
+        Image<Rvp32f> want = acc;
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x)
+                want.at(x, y) = ref::accumulate<T>(m.op, s1.at(x, y), s2.at(x, y), m.masked ? &mask.at(x, y) : nullptr,
+                                                   acc.at(x, y), alpha, x, c.w);
+        ASSERT_EQ(m.call(s1.ptr(), s1.step(), s2.ptr(), s2.step(), mask.ptr(), mask.step(), acc.ptr(), acc.step(),
+                         acc.size(), alpha),
+                  rvpStsNoErr);
+        ASSERT_TRUE(acc.guardsIntact());
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x)
+                ASSERT_TRUE(sameBits(&want.at(x, y), &acc.at(x, y), 4))
+                    << "at " << x << "," << y << ": " << acc.at(x, y) << " want " << want.at(x, y);
+    }
+}
+
+struct Config { rvcv::Isa isa; int threads; };
+
+class AccumulateAcross : public testing::TestWithParam<Config> {
+protected:
+    void SetUp() override {
+        isa_ = std::make_unique<ScopedIsa>(GetParam().isa);
+        threads_ = std::make_unique<ScopedThreads>(GetParam().threads);
+    }
+    std::unique_ptr<ScopedIsa> isa_;
+    std::unique_ptr<ScopedThreads> threads_;
+};
+
+TEST_P(AccumulateAcross, MatchesReference) {
+    uint32_t seed = 100;
+    for (const Member& m : members()) {
+        switch (m.type) {
+        case 0: checkMember<Rvp8u>(m, ++seed); break;
+        case 1: checkMember<Rvp8s>(m, ++seed); break;
+        case 2: checkMember<Rvp16u>(m, ++seed); break;
+        default: checkMember<Rvp32f>(m, ++seed); break;
+        }
+    }
+}
+
+// The two-source weighted form: out of place, accumulator read from pSrc2.
+TEST_P(AccumulateAcross, WeightedTwoSources) {
+    for (const Case& c : kCases) {
+        Image<Rvp32f> a(c.w, c.h, 1, c.pad), b(c.w, c.h, 1, c.pad + 4), d(c.w, c.h, 1, c.pad + 8);
+        Random<Rvp32f> rnd(c.w * 13u + c.h);
+        a.fill(rnd);
+        b.fill(rnd);
+        ASSERT_EQ(rvpiAddWeighted_32f_C1R(a.ptr(), a.step(), b.ptr(), b.step(), d.ptr(), d.step(), d.size(), 0.7f),
+                  rvpStsNoErr);
+        ASSERT_TRUE(d.guardsIntact());
+        for (int y = 0; y < c.h; ++y)
+            for (int x = 0; x < c.w; ++x) {
+                const float want = b.at(x, y) + (a.at(x, y) - b.at(x, y)) * 0.7f;
+                ASSERT_TRUE(sameBits(&want, &d.at(x, y), 4)) << c.w << "x" << c.h << " at " << x << "," << y;
+            }
+    }
+}
+
+std::vector<Config> configs() {
+    std::vector<Config> v;
+    for (rvcv::Isa isa : isaLevels())
+        for (int t : threadCounts()) v.push_back({isa, t});
+    return v;
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, AccumulateAcross, testing::ValuesIn(configs()), [](const auto& info) {
+    return std::string(info.param.isa == rvcv::Isa::Avx2 ? "avx2" : "m7") + "_t" + std::to_string(info.param.threads);
+});
+
+TEST(Accumulate, ExactValues) {
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        // Squares: 255 gives 65025 exactly; 65535 squared rounds to single
+        // precision; -128 adds 16384.
+        const Rvp8u u8[1] = {255};
+        const Rvp16u u16[1] = {65535};
+        const Rvp8s s8[1] = {-128};
+        float d[1] = {0};
+        ASSERT_EQ(rvpiAddSquare_8u32f_C1IR(u8, 1, d, 4, {1, 1}), rvpStsNoErr);
+        EXPECT_EQ(d[0], 65025.0f);
+        d[0] = 0;
+        ASSERT_EQ(rvpiAddSquare_16u32f_C1IR(u16, 2, d, 4, {1, 1}), rvpStsNoErr);
+        EXPECT_EQ(d[0], 65535.0f * 65535.0f);
+        EXPECT_NE(static_cast<double>(d[0]), 65535.0 * 65535.0);
+        d[0] = 1;
+        ASSERT_EQ(rvpiAddSquare_8s32f_C1IR(s8, 1, d, 4, {1, 1}), rvpStsNoErr);
+        EXPECT_EQ(d[0], 16385.0f);
+
+        // Weighted: alpha 0 keeps the accumulator, 2 overshoots without complaint.
+        const Rvp32f src[5] = {10, 20, 30, 40, 50};
+        float acc[5] = {1, 2, 3, 4, 5};
+        ASSERT_EQ(rvpiAddWeighted_32f_C1IR(src, 20, acc, 20, {5, 1}, 0.0f), rvpStsNoErr);
+        EXPECT_EQ(acc[0], 1.0f);
+        EXPECT_EQ(acc[4], 5.0f);
+        ASSERT_EQ(rvpiAddWeighted_32f_C1IR(src, 20, acc, 20, {5, 1}, 2.0f), rvpStsNoErr);
+        EXPECT_EQ(acc[0], 19.0f);
+        EXPECT_EQ(acc[4], 95.0f);
+    }
+}
+
+// A masked-out negative zero turns positive on the branch-free path and stays
+// negative on the single-sample path (the last width % 4 pixels).
+TEST(Accumulate, NegativeZeroUnderZeroMask) {
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        for (int w : {1, 3, 4, 6, 9}) {
+            std::vector<Rvp8u> src(w, 7), mask(w, 0);
+            std::vector<float> acc(w, -0.0f);
+            ASSERT_EQ(rvpiAddWeighted_8u32f_C1IMR(src.data(), w, mask.data(), w, acc.data(), 4 * w, {w, 1}, 0.5f),
+                      rvpStsNoErr);
+            for (int x = 0; x < w; ++x) {
+                EXPECT_EQ(acc[x], 0.0f);
+                EXPECT_EQ(std::signbit(acc[x]), x >= w - w % 4) << "width " << w << " x " << x;
+            }
+        }
+    }
+}
+
+TEST(AccumulateKernels, BypassingStoresGiveSameBits) {
+    for (const rvcv::AccumKernels* k : {&rvcv::m7::kAccum, &rvcv::avx2::kAccum}) {
+        if (k == &rvcv::avx2::kAccum && !rvcv::isaAvailable(rvcv::Isa::Avx2)) continue;
+        for (int pad : {0, 4}) {
+            Image<Rvp16u> s(45, 3, 1, pad), s2(45, 3, 1, pad);
+            Image<Rvp8u> m(45, 3, 1, pad);
+            Image<Rvp32f> d1(45, 3, 1, pad);
+            s.fill(Random<Rvp16u>(1));
+            s2.fill(Random<Rvp16u>(2));
+            m.fill(Random<Rvp8u>(3));
+            d1.fill(Random<Rvp32f>(4));
+            Image<Rvp32f> d2 = d1;
+            for (bool nt : {false, true}) {
+                Image<Rvp32f>& d = nt ? d2 : d1;
+                rvcv::AccumArgs a{s.ptr(), s.step(), s2.ptr(), s2.step(), m.ptr(), m.step(),
+                                  d.ptr(), d.step(), d.ptr(), d.step(), 0.5f, nt};
+                k->k[rvcv::kAccProduct][rvcv::kAcc16u][1](a, 3, 45);
+            }
+            EXPECT_EQ(d1.bytes(), d2.bytes());
+            EXPECT_TRUE(d2.guardsIntact());
+        }
+    }
+}
+
+// Each row: a bad argument set, the status it must give, and nothing written.
+TEST(Accumulate, ValidationOrder) {
+    const int w = 8, h = 2;
+    Image<Rvp32f> acc(w, h, 1, 16);
+    acc.fill(Random<Rvp32f>(5));
+    const auto before = acc.raw();
+    std::vector<uint8_t> mem(4096, 1);
+    const Rvp8u* u8 = mem.data();
+    const Rvp8s* s8 = reinterpret_cast<const Rvp8s*>(mem.data());
+    const Rvp16u* u16 = reinterpret_cast<const Rvp16u*>(mem.data());
+    const Rvp32f* f32 = reinterpret_cast<const Rvp32f*>(mem.data());
+    const Rvp8u* mk = mem.data();
+    Rvp32f* d = acc.ptr();
+    const RvpiSize r{w, h};
+    struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };
+    const Row rows[] = {
+        {"null src", [&] { return rvpiAdd_8u32f_C1IR(nullptr, 8, d, 32, r); }, rvpStsNullPtrErr},
+        {"null mask", [&] { return rvpiAdd_8u32f_C1IMR(u8, 8, nullptr, 8, d, 32, r); }, rvpStsNullPtrErr},
+        {"null acc before size", [&] { return rvpiAddSquare_32f_C1IR(f32, 32, nullptr, 32, {0, 0}); }, rvpStsNullPtrErr},
+        {"null src2", [&] { return rvpiAddProduct_8s32f_C1IR(s8, 8, nullptr, 8, d, 32, r); }, rvpStsNullPtrErr},
+        {"zero width", [&] { return rvpiAdd_8u32f_C1IR(u8, 8, d, 32, {0, h}); }, rvpStsSizeErr},
+        {"zero height", [&] { return rvpiAddWeighted_8s32f_C1IR(s8, 8, d, 32, {w, 0}, 0.5f); }, rvpStsSizeErr},
+        {"size before step", [&] { return rvpiAdd_8u32f_C1IR(u8, 1, d, 1, {w, -1}); }, rvpStsSizeErr},
+        {"8u src step short", [&] { return rvpiAdd_8u32f_C1IR(u8, 7, d, 32, r); }, rvpStsStepErr},
+        {"8u acc step short", [&] { return rvpiAdd_8u32f_C1IR(u8, 8, d, 28, r); }, rvpStsStepErr},
+        {"8u acc step not x4", [&] { return rvpiAdd_8u32f_C1IR(u8, 9, d, 34, r); }, rvpStsNotEvenStepErr},
+        {"8u mask step short", [&] { return rvpiAddSquare_8u32f_C1IMR(u8, 8, mk, 7, d, 34, r); }, rvpStsStepErr},
+        {"8u sizes before x4", [&] { return rvpiAddWeighted_8u32f_C1IMR(u8, 8, mk, 8, d, 30, r, 1.0f); }, rvpStsStepErr},
+        {"8s acc x4 after sizes", [&] { return rvpiAddProduct_8s32f_C1IMR(s8, 9, s8, 9, mk, 9, d, 33, r); }, rvpStsNotEvenStepErr},
+        {"16u odd src before acc size", [&] { return rvpiAdd_16u32f_C1IR(u16, 17, d, 4, r); }, rvpStsNotEvenStepErr},
+        {"16u odd src before mask size", [&] { return rvpiAdd_16u32f_C1IMR(u16, 17, mk, 1, d, 32, r); }, rvpStsNotEvenStepErr},
+        {"16u mask size after src", [&] { return rvpiAddSquare_16u32f_C1IMR(u16, 16, mk, 7, d, 33, r); }, rvpStsStepErr},
+        {"16u odd src2 before acc", [&] { return rvpiAddProduct_16u32f_C1IR(u16, 16, u16, 19, d, 4, r); }, rvpStsNotEvenStepErr},
+        {"16u src2 short", [&] { return rvpiAddProduct_16u32f_C1IMR(u16, 16, u16, 14, mk, 8, d, 32, r); }, rvpStsStepErr},
+        {"16u acc not x4", [&] { return rvpiAddWeighted_16u32f_C1IMR(u16, 16, mk, 9, d, 34, r, 0.5f); }, rvpStsNotEvenStepErr},
+        {"32f sizes first", [&] { return rvpiAdd_32f_C1IMR(f32, 34, mk, 8, d, 28, r); }, rvpStsStepErr},
+        {"32f src not x4", [&] { return rvpiAdd_32f_C1IMR(f32, 34, mk, 9, d, 32, r); }, rvpStsNotEvenStepErr},
+        {"32f src2 not x4", [&] { return rvpiAddProduct_32f_C1IR(f32, 32, f32, 33, d, 32, r); }, rvpStsNotEvenStepErr},
+        {"two-source weighted sizes", [&] { return rvpiAddWeighted_32f_C1R(f32, 33, f32, 32, d, 31, r, 0.5f); }, rvpStsStepErr},
+        {"two-source weighted x4", [&] { return rvpiAddWeighted_32f_C1R(f32, 32, f32, 34, d, 32, r, 0.5f); }, rvpStsNotEvenStepErr},
+        {"two-source weighted null", [&] { return rvpiAddWeighted_32f_C1R(f32, 32, f32, 32, nullptr, 32, r, 0.5f); }, rvpStsNullPtrErr},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.call(), row.want) << row.what;
+        EXPECT_EQ(acc.raw(), before) << row.what << " wrote to the accumulator";
+    }
+    // Byte steps need no alignment: odd source and mask steps pass.
+    EXPECT_EQ(rvpiAdd_8u32f_C1IMR(u8, 9, mk, 11, d, 32, r), rvpStsNoErr);
+    EXPECT_EQ(rvpiAdd_16u32f_C1IMR(u16, 18, mk, 9, d, 36, r), rvpStsNoErr);
+}
+
+}  // namespace
