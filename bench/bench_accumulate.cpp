@@ -1,6 +1,8 @@
 // Accumulation against the peer's accumulate, accumulateSquare,
 // accumulateProduct and accumulateWeighted (with and without mask), and the
-// memcpy yardstick of the same bytes.
+// memcpy yardstick of the same bytes. Calls alternate between two source
+// frames, as over a sequence of images: a weighted average of one frame
+// repeated for ever would drive its zero pixels into subnormal numbers.
 #include "benchutil.h"
 
 namespace {
@@ -22,10 +24,15 @@ void addAccumulate(const std::string& op, Kind kind, bool masked) {
             const RvpiSize roi = a->size();
             const T* pa = a->ptr();
             const T* pb = b->ptr();
+            const T* frames[2] = {pa, pb};
+            int frame = 0;
             const Rvp8u* pm = m->ptr();
             Rvp32f* pd = acc->ptr();
             const int sa = a->step, sm = m->step, sd = acc->step;
             for (auto _ : st) {
+                pa = frames[frame];
+                pb = frames[frame ^ 1];
+                frame ^= 1;
                 if constexpr (std::is_same<T, Rvp8u>::value) {
                     switch (kind) {
                     case Kind::Add: masked ? rvpiAdd_8u32f_C1IMR(pa, sa, pm, sm, pd, sd, roi) : rvpiAdd_8u32f_C1IR(pa, sa, pd, sd, roi); break;
@@ -49,6 +56,7 @@ void addAccumulate(const std::string& op, Kind kind, bool masked) {
             cv::Mat ma = a->mat(), mb = b->mat(), md = acc->mat();
             cv::Mat mm = masked ? m->mat() : cv::Mat();
             for (auto _ : st) {
+                cv::swap(ma, mb);
                 switch (kind) {
                 case Kind::Add: cv::accumulate(ma, md, mm); break;
                 case Kind::Square: cv::accumulateSquare(ma, md, mm); break;

@@ -1,6 +1,6 @@
 // Accumulation kernels, written once over source type, operation and mask,
-// compiled per instruction set. A row runs 8 pixels a step (AVX2) or 4 (SSE),
-// then groups of 4, all branch-free; only the last width % 4 pixels go one by one.
+// compiled per instruction set. A row runs 16 and 8 pixels a step (AVX2) or
+// 4 (SSE), then groups of 4, all branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
 #include <type_traits>
@@ -58,9 +58,29 @@ inline __m256 widen8(const uint16_t* p) {
     return _mm256_cvtepi32_ps(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
 }
 inline __m256 widen8(const float* p) { return _mm256_loadu_ps(p); }
-inline __m256 select8(const uint8_t* m, __m256 t) {
-    const __m256i off = _mm256_cmpeq_epi32(_mm256_cvtepu8_epi32(load8bytes(m)), _mm256_setzero_si256());
-    return _mm256_andnot_ps(_mm256_castsi256_ps(off), t);
+// Sixteen samples as two halves of eight.
+inline void widen16(const uint8_t* p, __m256& lo, __m256& hi) {
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    lo = _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(b));
+    hi = _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_unpackhi_epi64(b, b)));
+}
+inline void widen16(const int8_t* p, __m256& lo, __m256& hi) {
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    lo = _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(b));
+    hi = _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(_mm_unpackhi_epi64(b, b)));
+}
+template <class T> inline void widen16(const T* p, __m256& lo, __m256& hi) {
+    lo = widen8(p);
+    hi = widen8(p + 8);
+}
+// All ones where the mask byte is zero: the lanes whose term is cleared.
+inline __m256 maskedOut8(const uint8_t* m) {
+    return _mm256_castsi256_ps(_mm256_cmpeq_epi32(_mm256_cvtepu8_epi32(load8bytes(m)), _mm256_setzero_si256()));
+}
+inline void maskedOut16(const uint8_t* m, __m256& lo, __m256& hi) {
+    const __m128i off = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m)), _mm_setzero_si128());
+    lo = _mm256_castsi256_ps(_mm256_cvtepi8_epi32(off));
+    hi = _mm256_castsi256_ps(_mm256_cvtepi8_epi32(_mm_unpackhi_epi64(off, off)));
 }
 // Rows bypassing the cache are 16-byte aligned, so two 16-byte streams.
 inline void store(float* p, __m256 v, bool nt) {
@@ -86,14 +106,31 @@ template <int Op> struct Term {
 };
 
 #ifdef __AVX2__
+template <int Op, bool Masked>
+inline void finish8(__m256 x, __m256 y, __m256 off, const float* acc, float* d, __m256 alpha, bool nt) {
+    const __m256 a = _mm256_loadu_ps(acc);
+    __m256 t = Term<Op>::of(x, y, a, alpha);
+    if (Masked) t = _mm256_andnot_ps(off, t);
+    store(d, a + t, nt);
+}
+
 template <class T, int Op, bool Masked>
 inline void group8(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m256 alpha, bool nt) {
-    const __m256 a = _mm256_loadu_ps(acc);
     const __m256 x = widen8(s1);
-    const __m256 y = Op == kAccProduct ? widen8(s2) : x;
-    __m256 t = Term<Op>::of(x, y, a, alpha);
-    if (Masked) t = select8(m, t);
-    store(d, a + t, nt);
+    finish8<Op, Masked>(x, Op == kAccProduct ? widen8(s2) : x, Masked ? maskedOut8(m) : x, acc, d, alpha, nt);
+}
+
+// Sixteen pixels from one load of each 8-bit row.
+template <class T, int Op, bool Masked>
+inline void group16(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m256 alpha, bool nt) {
+    __m256 x0, x1, y0, y1, k0, k1;
+    widen16(s1, x0, x1);
+    if (Op == kAccProduct) widen16(s2, y0, y1);
+    else y0 = x0, y1 = x1;
+    if (Masked) maskedOut16(m, k0, k1);
+    else k0 = x0, k1 = x1;
+    finish8<Op, Masked>(x0, y0, k0, acc, d, alpha, nt);
+    finish8<Op, Masked>(x1, y1, k1, acc + 8, d + 8, alpha, nt);
 }
 #endif
 
@@ -109,6 +146,36 @@ inline void group4(const T* s1, const T* s2, const uint8_t* m, const float* acc,
     store(d, a + t, nt);
 }
 
+// One row; NT: stores bypass the cache (the row is 16-byte aligned).
+template <class T, int Op, bool Masked, bool NT>
+void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha) {
+    const __m128 alpha4 = broadcast4(alpha);
+    int x = 0;
+#ifdef __AVX2__
+    const __m256 alpha8 = broadcast8(alpha);
+    // A 16-byte aligned row starts with one group of 4 so that the wide
+    // stores don't straddle cache lines; the groups stay the same.
+    if ((reinterpret_cast<uintptr_t>(d) & 31) == 16 && w >= 4) {
+        group4<T, Op, Masked>(s1, s2, m, acc, d, alpha4, NT);
+        x = 4;
+    }
+    for (; x + 16 <= w; x += 16)
+        group16<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, NT);
+    if (x + 8 <= w) {
+        group8<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, NT);
+        x += 8;
+    }
+#endif
+    for (; x + 4 <= w; x += 4)
+        group4<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha4, NT);
+    for (; x < w; ++x) {
+        if (Masked && m[x] == 0) continue;
+        const float a = acc[x], u = static_cast<float>(s1[x]);
+        const float v = Op == kAccProduct ? static_cast<float>(s2[x]) : u;
+        d[x] = a + Term<Op>::of(u, v, a, alpha);
+    }
+}
+
 template <class T, int Op, bool Masked>
 void accumulate(const AccumArgs& g, int rows, int w) {
     auto s1 = static_cast<const T*>(g.s1);
@@ -116,26 +183,9 @@ void accumulate(const AccumArgs& g, int rows, int w) {
     const uint8_t* m = g.mask;
     const float* acc = g.acc;
     float* d = g.d;
-    const float alpha = g.alpha;
-    const __m128 alpha4 = broadcast4(alpha);
-#ifdef __AVX2__
-    const __m256 alpha8 = broadcast8(alpha);
-#endif
     for (int y = 0; y < rows; ++y) {
-        const bool nt = g.nt && aligned16(d);
-        int x = 0;
-#ifdef __AVX2__
-        for (; x + 8 <= w; x += 8)
-            group8<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, nt);
-#endif
-        for (; x + 4 <= w; x += 4)
-            group4<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha4, nt);
-        for (; x < w; ++x) {
-            if (Masked && m[x] == 0) continue;
-            const float a = acc[x], u = static_cast<float>(s1[x]);
-            const float v = Op == kAccProduct ? static_cast<float>(s2[x]) : u;
-            d[x] = a + Term<Op>::of(u, v, a, alpha);
-        }
+        if (g.nt && aligned16(d)) row<T, Op, Masked, true>(s1, s2, m, acc, d, w, g.alpha);
+        else row<T, Op, Masked, false>(s1, s2, m, acc, d, w, g.alpha);
         s1 = nextRow(s1, g.st1);
         if (Op == kAccProduct) s2 = nextRow(s2, g.st2);
         if (Masked) m = nextRow(m, g.sm);
