@@ -80,12 +80,12 @@ void checkMember(const Member& m, uint32_t seed) {
     for (const Case& c : kCases) {
         SCOPED_TRACE(testing::Message() << m.name << " " << c.w << "x" << c.h << " pad " << c.pad << " seed " << seed);
         std::mt19937 rng(seed + c.w * 977u + c.h);
-        Random<T> rnd(seed ^ (c.w * 31u + c.h));
+        Random<T> rnd(seed ^ (c.w * 31u + c.h)), rnd2(seed + 7);  // fill() copies its generator
         Image<T> s1(c.w, c.h, 1, c.pad), s2(c.w, c.h, 1, c.pad + 2 * static_cast<int>(sizeof(T)));
         Image<Rvp8u> mask(c.w, c.h, 1, c.pad + 3);
         Image<Rvp32f> acc(c.w, c.h, 1, c.pad);
         s1.fill(rnd);
-        s2.fill(rnd);
+        s2.fill(rnd2);
         mask.fill([&] { return static_cast<Rvp8u>(rng() % 3 == 0 ? 0 : rng() % 256); });
         acc.fill([&] { return accValue(rng); });
         // Masked-out float sources carry NaN and infinities: they must not reach the sum.
