@@ -10,6 +10,12 @@
 namespace rvcv {
 namespace {
 
+// Bytes before the first 16-byte boundary of d, at most n.
+size_t headBytes(const uint8_t* d, size_t n) {
+    const size_t head = (16 - (reinterpret_cast<uintptr_t>(d) & 15)) & 15;
+    return head > n ? n : head;
+}
+
 // Byte copy or fill of one long row; with nt the 16-byte aligned middle is
 // written with stores that bypass the cache.
 void copyBytes(const uint8_t* s, uint8_t* d, size_t n, bool nt) {
@@ -17,8 +23,7 @@ void copyBytes(const uint8_t* s, uint8_t* d, size_t n, bool nt) {
         std::memmove(d, s, n);
         return;
     }
-    size_t head = (16 - (reinterpret_cast<uintptr_t>(d) & 15)) & 15;
-    if (head > n) head = n;
+    const size_t head = headBytes(d, n);
     std::memmove(d, s, head);
     size_t i = head;
     for (; i + 16 <= n; i += 16)
@@ -32,8 +37,7 @@ void fillBytes(uint8_t* d, uint8_t v, size_t n, bool nt) {
         std::memset(d, v, n);
         return;
     }
-    size_t head = (16 - (reinterpret_cast<uintptr_t>(d) & 15)) & 15;
-    if (head > n) head = n;
+    const size_t head = headBytes(d, n);
     std::memset(d, v, head);
     const __m128i vv = _mm_set1_epi8(static_cast<char>(v));
     size_t i = head;

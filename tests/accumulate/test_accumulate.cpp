@@ -110,17 +110,7 @@ void checkMember(const Member& m, uint32_t seed) {
     }
 }
 
-struct Config { rvcv::Isa isa; int threads; };
-
-class AccumulateAcross : public testing::TestWithParam<Config> {
-protected:
-    void SetUp() override {
-        isa_ = std::make_unique<ScopedIsa>(GetParam().isa);
-        threads_ = std::make_unique<ScopedThreads>(GetParam().threads);
-    }
-    std::unique_ptr<ScopedIsa> isa_;
-    std::unique_ptr<ScopedThreads> threads_;
-};
+class AccumulateAcross : public AcrossPaths {};
 
 TEST_P(AccumulateAcross, MatchesReference) {
     uint32_t seed = 100;
@@ -152,16 +142,7 @@ TEST_P(AccumulateAcross, WeightedTwoSources) {
     }
 }
 
-std::vector<Config> configs() {
-    std::vector<Config> v;
-    for (rvcv::Isa isa : isaLevels())
-        for (int t : threadCounts()) v.push_back({isa, t});
-    return v;
-}
-
-INSTANTIATE_TEST_SUITE_P(Paths, AccumulateAcross, testing::ValuesIn(configs()), [](const auto& info) {
-    return std::string(info.param.isa == rvcv::Isa::Avx2 ? "avx2" : "m7") + "_t" + std::to_string(info.param.threads);
-});
+INSTANTIATE_TEST_SUITE_P(Paths, AccumulateAcross, testing::ValuesIn(pathConfigs()), pathName);
 
 TEST(Accumulate, ExactValues) {
     for (rvcv::Isa isa : isaLevels()) {

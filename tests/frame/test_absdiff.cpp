@@ -59,17 +59,7 @@ void checkConst(FnC<T, V> fn, V value, T clamped, uint32_t seed) {
     }
 }
 
-struct Config { rvcv::Isa isa; int threads; };
-
-class AbsDiffAcross : public testing::TestWithParam<Config> {
-protected:
-    void SetUp() override {
-        isa_ = std::make_unique<ScopedIsa>(GetParam().isa);
-        threads_ = std::make_unique<ScopedThreads>(GetParam().threads);
-    }
-    std::unique_ptr<ScopedIsa> isa_;
-    std::unique_ptr<ScopedThreads> threads_;
-};
+class AbsDiffAcross : public AcrossPaths {};
 
 TEST_P(AbsDiffAcross, MatchesReference) {
     checkBinary<Rvp8u>(rvpiAbsDiff_8u_C1R, 1, 1);
@@ -85,16 +75,7 @@ TEST_P(AbsDiffAcross, MatchesReference) {
     checkConst<Rvp32f, float>(rvpiAbsDiffC_32f_C1R, -2.5f, -2.5f, 10);
 }
 
-std::vector<Config> configs() {
-    std::vector<Config> v;
-    for (rvcv::Isa isa : isaLevels())
-        for (int t : threadCounts()) v.push_back({isa, t});
-    return v;
-}
-
-INSTANTIATE_TEST_SUITE_P(Paths, AbsDiffAcross, testing::ValuesIn(configs()), [](const auto& info) {
-    return std::string(info.param.isa == rvcv::Isa::Avx2 ? "avx2" : "m7") + "_t" + std::to_string(info.param.threads);
-});
+INSTANTIATE_TEST_SUITE_P(Paths, AbsDiffAcross, testing::ValuesIn(pathConfigs()), pathName);
 
 // The cache-bypassing kernels give the same bits as the plain ones, for
 // aligned and unaligned rows (where they fall back to plain stores).

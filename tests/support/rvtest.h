@@ -121,6 +121,28 @@ inline const std::vector<int>& threadCounts() {
     return v;
 }
 
+// One dispatch level and one permitted thread count; a suite derived from
+// AcrossPaths runs each test once per pair, set for the test's scope.
+struct PathConfig { rvcv::Isa isa; int threads; };
+
+inline std::vector<PathConfig> pathConfigs() {
+    std::vector<PathConfig> v;
+    for (rvcv::Isa isa : isaLevels())
+        for (int t : threadCounts()) v.push_back({isa, t});
+    return v;
+}
+
+inline std::string pathName(const testing::TestParamInfo<PathConfig>& info) {
+    return std::string(info.param.isa == rvcv::Isa::Avx2 ? "avx2" : "m7") + "_t" + std::to_string(info.param.threads);
+}
+
+class AcrossPaths : public testing::TestWithParam<PathConfig> {
+protected:
+    AcrossPaths() : isa_(GetParam().isa), threads_(GetParam().threads) {}
+    ScopedIsa isa_;
+    ScopedThreads threads_;
+};
+
 inline bool sameBits(const void* a, const void* b, size_t n) { return std::memcmp(a, b, n) == 0; }
 
 }  // namespace rvtest
