@@ -15,7 +15,7 @@ namespace {
 
 template <class T, int C>
 void checkCopy(RvpStatus (*fn)(const T*, int, T*, int, RvpiSize), int w, int h) {
-    for (int pad : {0, 5}) {  // pad 0: the rows merge into one
+    for (int pad : {0, 5 * static_cast<int>(sizeof(T))}) {  // pad 0: the rows merge into one
         Image<T> s(w, h, C, pad), d(w, h, C, pad);
         s.fill(Random<T>(w + h));
         ASSERT_EQ(fn(s.ptr(), s.step(), d.ptr(), d.step(), s.size()), rvpStsNoErr);
