@@ -13,52 +13,49 @@ using ref::AccOp;
 
 namespace {
 
-// Uniform view of one member: sources, mask (null for unmasked), accumulator.
-using Call = std::function<RvpStatus(const void*, int, const void*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, float)>;
-struct Member { std::string name; AccOp op; bool masked; int type; Call call; };
-
-template <class T> using Plain = RvpStatus (*)(const T*, int, Rvp32f*, int, RvpiSize);
-template <class T> using Masked = RvpStatus (*)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize);
-template <class T> using Prod = RvpStatus (*)(const T*, int, const T*, int, Rvp32f*, int, RvpiSize);
-template <class T> using ProdM = RvpStatus (*)(const T*, int, const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize);
-template <class T> using Wtd = RvpStatus (*)(const T*, int, Rvp32f*, int, RvpiSize, Rvp32f);
-template <class T> using WtdM = RvpStatus (*)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, Rvp32f);
-
-template <class T> const T* typed(const void* p) { return static_cast<const T*>(p); }
-
+// The arguments of one call; each form takes those it has.
+struct Args { const void *s1, *s2; int st1, st2; const Rvp8u* m; int sm; Rvp32f* d; int sd; RvpiSize r; float alpha; };
+template <class T> const T* src(const void* p) { return static_cast<const T*>(p); }
+template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, Rvp32f*, int, RvpiSize), const Args& a) {
+    return f(src<T>(a.s1), a.st1, a.d, a.sd, a.r);
+}
+template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize), const Args& a) {
+    return f(src<T>(a.s1), a.st1, a.m, a.sm, a.d, a.sd, a.r);
+}
+// Products take two sources (for 8u the masked one-source form has the same type).
+template <class T> RvpStatus invoke2(RvpStatus (*f)(const T*, int, const T*, int, Rvp32f*, int, RvpiSize), const Args& a) {
+    return f(src<T>(a.s1), a.st1, src<T>(a.s2), a.st2, a.d, a.sd, a.r);
+}
 template <class T>
-void membersOf(std::vector<Member>& v, int type, const std::string& t, Plain<T> add, Masked<T> addM, Plain<T> sq,
-               Masked<T> sqM, Prod<T> pr, ProdM<T> prM, Wtd<T> w, WtdM<T> wM) {
-    if (add)
-        v.push_back({"Add_" + t, AccOp::Add, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return add(typed<T>(a), sa, d, sd, r); }});
-    v.push_back({"AddM_" + t, AccOp::Add, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return addM(typed<T>(a), sa, m, sm, d, sd, r); }});
-    v.push_back({"Square_" + t, AccOp::Square, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return sq(typed<T>(a), sa, d, sd, r); }});
-    v.push_back({"SquareM_" + t, AccOp::Square, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return sqM(typed<T>(a), sa, m, sm, d, sd, r); }});
-    v.push_back({"Product_" + t, AccOp::Product, false, type, [=](const void* a, int sa, const void* b, int sb, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float) { return pr(typed<T>(a), sa, typed<T>(b), sb, d, sd, r); }});
-    v.push_back({"ProductM_" + t, AccOp::Product, true, type, [=](const void* a, int sa, const void* b, int sb, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float) { return prM(typed<T>(a), sa, typed<T>(b), sb, m, sm, d, sd, r); }});
-    v.push_back({"Weighted_" + t, AccOp::Weighted, false, type, [=](const void* a, int sa, const void*, int, const Rvp8u*, int, Rvp32f* d, int sd, RvpiSize r, float al) { return w(typed<T>(a), sa, d, sd, r, al); }});
-    v.push_back({"WeightedM_" + t, AccOp::Weighted, true, type, [=](const void* a, int sa, const void*, int, const Rvp8u* m, int sm, Rvp32f* d, int sd, RvpiSize r, float al) { return wM(typed<T>(a), sa, m, sm, d, sd, r, al); }});
+RvpStatus invoke2(RvpStatus (*f)(const T*, int, const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize), const Args& a) {
+    return f(src<T>(a.s1), a.st1, src<T>(a.s2), a.st2, a.m, a.sm, a.d, a.sd, a.r);
+}
+template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, Rvp32f*, int, RvpiSize, Rvp32f), const Args& a) {
+    return f(src<T>(a.s1), a.st1, a.d, a.sd, a.r, a.alpha);
+}
+template <class T>
+RvpStatus invoke(RvpStatus (*f)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, Rvp32f), const Args& a) {
+    return f(src<T>(a.s1), a.st1, a.m, a.sm, a.d, a.sd, a.r, a.alpha);
 }
 
-const std::vector<Member>& members() {
-    static const std::vector<Member> v = [] {
-        std::vector<Member> m;
-        membersOf<Rvp8u>(m, 0, "8u32f", rvpiAdd_8u32f_C1IR, rvpiAdd_8u32f_C1IMR, rvpiAddSquare_8u32f_C1IR,
-                         rvpiAddSquare_8u32f_C1IMR, rvpiAddProduct_8u32f_C1IR, rvpiAddProduct_8u32f_C1IMR,
-                         rvpiAddWeighted_8u32f_C1IR, rvpiAddWeighted_8u32f_C1IMR);
-        membersOf<Rvp8s>(m, 1, "8s32f", rvpiAdd_8s32f_C1IR, rvpiAdd_8s32f_C1IMR, rvpiAddSquare_8s32f_C1IR,
-                         rvpiAddSquare_8s32f_C1IMR, rvpiAddProduct_8s32f_C1IR, rvpiAddProduct_8s32f_C1IMR,
-                         rvpiAddWeighted_8s32f_C1IR, rvpiAddWeighted_8s32f_C1IMR);
-        membersOf<Rvp16u>(m, 2, "16u32f", rvpiAdd_16u32f_C1IR, rvpiAdd_16u32f_C1IMR, rvpiAddSquare_16u32f_C1IR,
-                          rvpiAddSquare_16u32f_C1IMR, rvpiAddProduct_16u32f_C1IR, rvpiAddProduct_16u32f_C1IMR,
-                          rvpiAddWeighted_16u32f_C1IR, rvpiAddWeighted_16u32f_C1IMR);
-        membersOf<Rvp32f>(m, 3, "32f", nullptr, rvpiAdd_32f_C1IMR, rvpiAddSquare_32f_C1IR, rvpiAddSquare_32f_C1IMR,
-                          rvpiAddProduct_32f_C1IR, rvpiAddProduct_32f_C1IMR, rvpiAddWeighted_32f_C1IR,
-                          rvpiAddWeighted_32f_C1IMR);
-        return m;
-    }();
-    return v;
-}
+struct Member { const char* name; AccOp op; bool masked; int type; std::function<RvpStatus(const Args&)> call; };
+#define MEMBER(fn, op, masked, type, T, inv) {#fn, AccOp::op, masked, type, [](const Args& a) { return inv<T>(fn, a); }}
+#define FAMILY(sfx, type, T)                                                                                          \
+    MEMBER(rvpiAdd_##sfx##_C1IMR, Add, true, type, T, invoke),                                                         \
+    MEMBER(rvpiAddSquare_##sfx##_C1IR, Square, false, type, T, invoke),                                                \
+    MEMBER(rvpiAddSquare_##sfx##_C1IMR, Square, true, type, T, invoke),                                                \
+    MEMBER(rvpiAddProduct_##sfx##_C1IR, Product, false, type, T, invoke2),                                             \
+    MEMBER(rvpiAddProduct_##sfx##_C1IMR, Product, true, type, T, invoke2),                                             \
+    MEMBER(rvpiAddWeighted_##sfx##_C1IR, Weighted, false, type, T, invoke),                                            \
+    MEMBER(rvpiAddWeighted_##sfx##_C1IMR, Weighted, true, type, T, invoke)
+const Member kMembers[] = {
+    MEMBER(rvpiAdd_8u32f_C1IR, Add, false, 0, Rvp8u, invoke),   FAMILY(8u32f, 0, Rvp8u),
+    MEMBER(rvpiAdd_8s32f_C1IR, Add, false, 1, Rvp8s, invoke),   FAMILY(8s32f, 1, Rvp8s),
+    MEMBER(rvpiAdd_16u32f_C1IR, Add, false, 2, Rvp16u, invoke), FAMILY(16u32f, 2, Rvp16u),
+    FAMILY(32f, 3, Rvp32f),
+};
+#undef FAMILY
+#undef MEMBER
 
 struct Case { int w, h, pad; };
 const Case kCases[] = {{1, 1, 0}, {1, 6, 4}, {2, 3, 0}, {3, 4, 8}, {4, 1, 0}, {5, 3, 4}, {7, 2, 0}, {8, 2, 12},
@@ -99,8 +96,8 @@ void checkMember(const Member& m, uint32_t seed) {
             for (int x = 0; x < c.w; ++x)
                 want.at(x, y) = ref::accumulate<T>(m.op, s1.at(x, y), s2.at(x, y), m.masked ? &mask.at(x, y) : nullptr,
                                                    acc.at(x, y), alpha, x, c.w);
-        ASSERT_EQ(m.call(s1.ptr(), s1.step(), s2.ptr(), s2.step(), mask.ptr(), mask.step(), acc.ptr(), acc.step(),
-                         acc.size(), alpha),
+        ASSERT_EQ(m.call({s1.ptr(), s2.ptr(), s1.step(), s2.step(), mask.ptr(), mask.step(), acc.ptr(), acc.step(),
+                          acc.size(), alpha}),
                   rvpStsNoErr);
         ASSERT_TRUE(acc.guardsIntact());
         for (int y = 0; y < c.h; ++y)
@@ -114,7 +111,7 @@ class AccumulateAcross : public AcrossPaths {};
 
 TEST_P(AccumulateAcross, MatchesReference) {
     uint32_t seed = 100;
-    for (const Member& m : members()) {
+    for (const Member& m : kMembers) {
         switch (m.type) {
         case 0: checkMember<Rvp8u>(m, ++seed); break;
         case 1: checkMember<Rvp8s>(m, ++seed); break;
