@@ -140,7 +140,7 @@ RvpStatus rvpsMulC_32f(const Rvp32f* pSrc, Rvp32f val, Rvp32f* pDst, int len);
 RvpStatus rvpsMulC_16s_Sfs(const Rvp16s* pSrc, Rvp16s val, Rvp16s* pDst, int len, int scaleFactor);
 /* Square roots; a negative element gives NaN there and the warning SqrtNegArg. */
 RvpStatus rvpsSqrt_32f(const Rvp32f* pSrc, Rvp32f* pDst, int len);
-/* Ascending in place; NaNs go to the end. Fewer than 2 elements: success. */
+/* Ascending in place; NaNs go to the end. One element: success at once. */
 RvpStatus rvpsSortAscend_64f_I(Rvp64f* pSrcDst, int len);
 
 #ifdef __cplusplus

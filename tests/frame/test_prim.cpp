@@ -212,6 +212,13 @@ TEST(Primitives, VectorSpecialValues) {
             for (int i = 0; i < 8; ++i) ASSERT_EQ(out[i], ref::mulC16sSfs(v[i], c, sf)) << v[i] << "*" << c << " factor " << sf;
         }
 
+    const Rvp16u u[2] = {65535, 1};
+    float fu[2];
+    ASSERT_EQ(rvpsConvert_16u32f(u, fu, 2), rvpStsNoErr);
+    EXPECT_TRUE(fu[0] == 65535.0f && fu[1] == 1.0f);
+    EXPECT_EQ(rvpsZero_32f(nullptr, 2), rvpStsNullPtrErr);
+    EXPECT_EQ(rvpsSet_32s(1, reinterpret_cast<Rvp32s*>(fu), 0), rvpStsSizeErr);
+
     // A negative element gives NaN there and a warning; the rest stand.
     const float n[3] = {4.0f, -1.0f, -0.0f};
     float r[3];
