@@ -27,11 +27,31 @@ template <class T, int Idx, int K0, int... K> struct Dot<T, Idx, K0, K...> {
     }
 };
 
-// Integer sums are made in int and stored wrapping into 16 bits (they never
-// leave that range for 8-bit sources); 8-bit signed results saturate.
-template <class D, class T> inline D out(T v) {
-    if constexpr (std::is_same<D, Rvp8s>::value) return saturate<Rvp8s>(v);
-    else return static_cast<D>(v);
+// Integer sums are made in int; they never leave the 16-bit range for 8-bit
+// sources, so wrapping and saturating 16-bit arithmetic agree with them.
+// Writes one output row from value(x). 8-bit results are made as 16-bit
+// values first and then packed with saturation, 16 at a time; 16-bit and
+// float results are stored as they come.
+template <class D, class F> inline void emitRow(D* dst, int w, const F& value) {
+    if constexpr (sizeof(D) == 1) {
+        constexpr int kT = 256;
+        alignas(16) Rvp16s tmp[kT];
+        for (int x0 = 0; x0 < w; x0 += kT) {
+            const int m = std::min(kT, w - x0);
+            for (int x = 0; x < m; ++x) tmp[x] = static_cast<Rvp16s>(value(x0 + x));
+            int x = 0;
+            for (; x + 16 <= m; x += 16) {
+                const __m128i a = _mm_load_si128(reinterpret_cast<const __m128i*>(tmp + x));
+                const __m128i b = _mm_load_si128(reinterpret_cast<const __m128i*>(tmp + x + 8));
+                const __m128i v = std::is_signed<D>::value ? _mm_packs_epi16(a, b) : _mm_packus_epi16(a, b);
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + x0 + x), v);
+            }
+            for (; x < m; ++x) dst[x0 + x] = saturate<D>(tmp[x]);
+        }
+    } else {
+        D* __restrict d = dst;
+        for (int x = 0; x < w; ++x) d[x] = static_cast<D>(value(x));
+    }
 }
 
 template <class S> using Acc = typename std::conditional<std::is_same<S, Rvp32f>::value, float, int>::type;
@@ -97,8 +117,7 @@ void colTaps(I* const* r, D* d, int dstStep, int count, int w, int) {
     for (int y = 0; y < count; ++y, d = advance(d, dstStep)) {
         const I* q[n];
         for (int k = 0; k < n; ++k) q[k] = r[y + k];
-        for (int x = 0; x < w; ++x)
-            d[x] = out<D>(Dot<Acc<I>, 0, K...>::sum([&q, x](int k) { return q[k][x]; }));
+        emitRow(d, w, [&q](int x) { return Dot<Acc<I>, 0, K...>::sum([&q, x](int k) { return q[k][x]; }); });
     }
 }
 
@@ -108,8 +127,9 @@ void colLap3(I* const* r, D* d, int dstStep, int count, int w, int twin) {
     using T = Acc<I>;
     for (int y = 0; y < count; ++y, d = advance(d, dstStep)) {
         const I *a0 = r[y], *b = r[y + 1] + twin, *a2 = r[y + 2];
-        for (int x = 0; x < w; ++x)
-            d[x] = out<D>(static_cast<T>(2) * (static_cast<T>(a0[x]) + static_cast<T>(a2[x])) - static_cast<T>(b[x]));
+        emitRow(d, w, [=](int x) {
+            return static_cast<T>(2) * (static_cast<T>(a0[x]) + static_cast<T>(a2[x])) - static_cast<T>(b[x]);
+        });
     }
 }
 
@@ -147,15 +167,16 @@ template <int N> void colAvr32f(Rvp32f* const* r, Rvp32f* d, int dstStep, int co
 // product. 3x3: ((sum + 5) * 7280) >> 16; 5x5: (sum * 2621) >> 16, which
 // comes out one level low on flat areas.
 template <int N> void colAvr8u(Rvp16s* const* r, Rvp8u* d, int dstStep, int count, int w, int) {
+    constexpr int mul = N == 3 ? 7280 : 2621, add = N == 3 ? 5 : 0;
     for (int y = 0; y < count; ++y, d = advance(d, dstStep)) {
         const Rvp16s* q[N];
         for (int k = 0; k < N; ++k) q[k] = r[y + k];
-        for (int x = 0; x < w; ++x) {
-            int s = q[0][x];
-            for (int k = 1; k < N; ++k) s += q[k][x];
-            const int v = N == 3 ? (static_cast<Rvp16s>(s + 5) * 7280) >> 16 : (static_cast<Rvp16s>(s) * 2621) >> 16;
-            d[x] = saturate<Rvp8u>(v);
-        }
+        emitRow(d, w, [&q](int x) {
+            Rvp16s s = q[0][x];
+            for (int k = 1; k < N; ++k) s = static_cast<Rvp16s>(s + q[k][x]);
+            s = static_cast<Rvp16s>(s + add);
+            return static_cast<Rvp16s>((static_cast<int>(s) * mul) >> 16);
+        });
     }
 }
 

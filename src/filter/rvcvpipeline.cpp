@@ -110,14 +110,22 @@ struct RowLow {
 // tap k going to sum k % 8, combined in order at the end.
 struct Row32f {
     const float* t; int n, C; bool sym5, wide;
-    void operator()(const Rvp32f* p, Rvp32f* d, int count, bool edge) const {
+    void operator()(const Rvp32f* p, Rvp32f* dst, int count, bool edge) const {
         const int total = count * C;
+        Rvp32f* __restrict d = dst;
+        const float t0 = t[0], t1 = n > 1 ? t[1] : 0.0f, t2 = n > 2 ? t[2] : 0.0f;
+        const float t3 = n > 3 ? t[3] : 0.0f, t4 = n > 4 ? t[4] : 0.0f;
+        const Rvp32f *p1 = p + C, *p2 = p + 2 * C, *p3 = p + 3 * C, *p4 = p + 4 * C;
         if (sym5) {
             for (int j = 0; j < total; ++j) {
-                float s = t[0] * (p[j] + p[j + 4 * C]);
-                s += t[1] * (p[j + C] + p[j + 3 * C]);
-                d[j] = s + t[2] * p[j + 2 * C];
+                float s = t0 * (p[j] + p4[j]);
+                s += t1 * (p1[j] + p3[j]);
+                d[j] = s + t2 * p2[j];
             }
+        } else if (n == 3) {
+            for (int j = 0; j < total; ++j) d[j] = t0 * p[j] + t1 * p1[j] + t2 * p2[j];
+        } else if (n == 5) {
+            for (int j = 0; j < total; ++j) d[j] = t0 * p[j] + t1 * p1[j] + t2 * p2[j] + t3 * p3[j] + t4 * p4[j];
         } else if (wide && !edge && n > 8) {
             constexpr int kW = 64;
             float part[8][kW];
@@ -164,7 +172,20 @@ template <class D> struct ColScaled {
 
 struct Col32f {
     const float* t; int n;
-    void operator()(const Rvp32f* const* r, Rvp32f* d, int width, void*) const {
+    void operator()(const Rvp32f* const* r, Rvp32f* dst, int width, void*) const {
+        Rvp32f* __restrict d = dst;
+        if (n == 3 || n == 5) {
+            const float t0 = t[0], t1 = t[1], t2 = t[2];
+            const Rvp32f *q0 = r[0], *q1 = r[1], *q2 = r[2];
+            if (n == 3) {
+                for (int x = 0; x < width; ++x) d[x] = t0 * q0[x] + t1 * q1[x] + t2 * q2[x];
+                return;
+            }
+            const float t3 = t[3], t4 = t[4];
+            const Rvp32f *q3 = r[3], *q4 = r[4];
+            for (int x = 0; x < width; ++x) d[x] = t0 * q0[x] + t1 * q1[x] + t2 * q2[x] + t3 * q3[x] + t4 * q4[x];
+            return;
+        }
         float acc[kChunk];
         for (int x0 = 0; x0 < width; x0 += kChunk) {
             const int m = std::min(kChunk, width - x0);
