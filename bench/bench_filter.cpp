@@ -6,11 +6,18 @@ namespace {
 
 using namespace rvbench;
 
-using Fixed8u16s = RvpStatus (*)(const Rvp8u*, int, Rvp16s*, int, RvpiSize, int, int, Rvp8u, Rvp8u*);
-using Query = RvpStatus (*)(RvpiSize, int, int*);
+// The peer's call; without the peer the lambdas are dropped.
+#ifdef RVPCV_HAVE_OPENCV
+using Peer = std::function<void(const cv::Mat&, cv::Mat&)>;
+#define PEER(...) __VA_ARGS__
+#else
+using Peer = std::nullptr_t;
+#define PEER(...) nullptr
+#endif
 
 template <class D, class Fn, class Q>
-void addFixed(const std::string& op, Fn fn, Q query, int mask, std::function<void(const cv::Mat&, cv::Mat&)> peer) {
+void addFixed(const std::string& op, Fn fn, Q query, int mask, Peer peer) {
+    (void)peer;
     for (Size s : hd()) {
         auto a = std::make_shared<Plane<Rvp8u>>(s, 1, 1);
         auto d = std::make_shared<Plane<D>>(s, 1, 2);
@@ -62,25 +69,27 @@ void addGauss(const std::string& op, int k) {
 }
 
 const int kRegistered = [] {
+#ifdef RVPCV_HAVE_OPENCV
     const int R = cv::BORDER_REPLICATE;
+#endif
     for (int n : {3, 5}) {
         const int mask = n == 3 ? 33 : 55;
         const std::string sz = n == 3 ? "3x3" : "5x5";
         addFixed<Rvp16s>("SobelHoriz_8u16s_" + sz, rvpiFilterSobelHorizBorder_8u16s_C1R,
                          rvpiFilterSobelHorizGetBufferSize_8u16s_C1R, mask,
-                         [n, R](const cv::Mat& s, cv::Mat& d) { cv::Sobel(s, d, CV_16S, 0, 1, n, 1, 0, R); });
+                         PEER([n, R](const cv::Mat& s, cv::Mat& d) { cv::Sobel(s, d, CV_16S, 0, 1, n, 1, 0, R); }));
         addFixed<Rvp16s>("Laplacian_8u16s_" + sz, rvpiFilterLaplacianBorder_8u16s_C1R,
                          rvpiFilterLaplacianGetBufferSize_8u16s_C1R, mask,
-                         [n, R](const cv::Mat& s, cv::Mat& d) { cv::Laplacian(s, d, CV_16S, n, 1, 0, R); });
+                         PEER([n, R](const cv::Mat& s, cv::Mat& d) { cv::Laplacian(s, d, CV_16S, n, 1, 0, R); }));
         addFixed<Rvp8u>("Lowpass_8u_" + sz, rvpiFilterLowpassBorder_8u_C1R, rvpiFilterLowpassGetBufferSize_8u_C1R,
-                        mask, [n, R](const cv::Mat& s, cv::Mat& d) {
+                        mask, PEER([n, R](const cv::Mat& s, cv::Mat& d) {
                             cv::blur(s, d, cv::Size(n, n), cv::Point(-1, -1), R);
-                        });
+                        }));
         addGauss("Gauss_32f_" + sz, n);
     }
     addFixed<Rvp16s>("ScharrHoriz_8u16s_3x3", rvpiFilterScharrHorizBorder_8u16s_C1R,
                      rvpiFilterScharrHorizGetBufferSize_8u16s_C1R, 33,
-                     [R](const cv::Mat& s, cv::Mat& d) { cv::Scharr(s, d, CV_16S, 0, 1, 1, 0, R); });
+                     PEER([R](const cv::Mat& s, cv::Mat& d) { cv::Scharr(s, d, CV_16S, 0, 1, 1, 0, R); }));
     return 0;
 }();
 

@@ -12,7 +12,7 @@ using namespace rvtest;
 
 namespace {
 
-constexpr int kMargin = 3;
+constexpr int kMargin = 6;  // covers the Gaussian of 11 taps
 
 // A region of w x h inside a plane with kMargin samples all around.
 template <class T> struct Framed {
