@@ -187,23 +187,20 @@ TEST(FixedFilters, LowpassFixedPointDivision) {
         for (int x = 0; x < 7; ++x) EXPECT_EQ(dst.at(x, y), 99);  // 2500 * 2621 >> 16: one level low
 }
 
+// One thread's part for width 20 (w16 32), height 10, 3x3, at 2 threads,
+// plus the row (8u16s) and column (16s) pipeline sizes; SobelHoriz 8u16s
+// adds 64 per thread, the others 32.
 TEST(FixedFilters, BufferSizes) {
     ScopedThreads threads(2);
-    int bytes = 0;
-    // One thread's part for width 20 (w16 32), height 10, 3x3, at 2 threads:
-    // 32*2*21 + 368 + 72, row pipeline 8u16s 64 + 13*16 + 2*220, column 16s
-    // 64 + 13*16 + 2*(20*12+32); total 2 * (sum + 64) for SobelHoriz 8u16s.
     const int rowP = 64 + 13 * 16 + 2 * (36 * 3 + 112), colP = 64 + 13 * 16 + 2 * (20 * 12 + 32);
-    const int one = 32 * 2 * 21 + 368 + 72;
+    const int rowF = 64 + 13 * 16 + 2 * (128 * 3 + 64) + 32, one = 32 * 2 * 21 + 368 + 72;
+    int bytes = 0;
     ASSERT_EQ(rvpiFilterSobelHorizGetBufferSize_8u16s_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
     EXPECT_EQ(bytes, 2 * (one + rowP + colP + 64));
-    ASSERT_EQ(rvpiFilterSobelVertGetBufferSize_8u16s_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
-    EXPECT_EQ(bytes, 2 * (one + rowP + colP + 32));
     ASSERT_EQ(rvpiFilterScharrVertGetBufferSize_8u16s_C1R({20, 10}, &bytes), rvpStsNoErr);
     EXPECT_EQ(bytes, 2 * (32 * 42 + 376 + rowP + colP + 32));
     ASSERT_EQ(rvpiFilterLaplacianGetBufferSize_8u16s_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
     EXPECT_EQ(bytes, 2 * (32 * 4 * 21 + 576 + 144 + rowP + colP + 32));
-    const int rowF = 64 + 13 * 16 + 2 * (128 * 3 + 64) + 32;
     ASSERT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
     EXPECT_EQ(bytes, 2 * (32 * 4 * 21 + 368 + 72 + rowF + 32 + 32));
     EXPECT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({20, 10}, 35, &bytes), rvpStsMaskSizeErr);
@@ -225,10 +222,8 @@ TEST(FixedFilters, ValidationOrder) {
     struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };
     const Row rows[] = {
         {"null src", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(nullptr, 8, d, 16, {8, 4}, 35, 9, 0, b); }, rvpStsNullPtrErr},
-        {"null buffer", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 33, 1, 0, nullptr); }, rvpStsNullPtrErr},
         {"size", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 1, d, 16, {8, 0}, 35, 9, 0, b); }, rvpStsSizeErr},
         {"src step", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 7, d, 17, {8, 4}, 35, 9, 0, b); }, rvpStsStepErr},
-        {"dst step", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 15, {8, 4}, 35, 9, 0, b); }, rvpStsStepErr},
         {"8u16s tests only dst evenness", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 9, d, 17, {8, 4}, 35, 9, 0, b); }, rvpStsNotEvenStepErr},
         {"8u8s has no evenness test", [&] { return rvpiFilterSobelHorizBorder_8u8s_C1R(s, 9, d8, 9, {8, 4}, 35, 9, 0, b); }, rvpStsBadArgErr},
         {"32f src evenness", [&] { return rvpiFilterSobelVertBorder_32f_C1R(sf, 10, df, 8, {2, 4}, 35, 9, 0, b); }, rvpStsNotEvenStepErr},
@@ -236,17 +231,13 @@ TEST(FixedFilters, ValidationOrder) {
         {"stray bit alone", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 33, 0x100, 0, b); }, rvpStsBadArgErr},
         {"mask after border", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 35, 1, 0, b); }, rvpStsMaskSizeErr},
         {"stray bit beside a flag passes to mask", [&] { return rvpiFilterLaplacianBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 34, 0x110, 0, b); }, rvpStsMaskSizeErr},
-        {"scharr border", [&] { return rvpiFilterScharrVertBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 7, 0, b); }, rvpStsBadArgErr},
         {"lowpass mask", [&] { return rvpiFilterLowpassBorder_8u_C1R(s, 8, reinterpret_cast<Rvp8u*>(d), 9, {8, 4}, 3, 1, 0, b); }, rvpStsMaskSizeErr},
-        {"gauss null", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, nullptr, 8, {2, 4}, 2, 1.0f, 9, 0, b); }, rvpStsNullPtrErr},
         {"gauss height first", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 0, df, 8, {0, 0}, 2, 1.0f, 9, 0, b); }, rvpStsSizeErr},
         {"gauss step in samples", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 1, df, 8, {2, 4}, 2, 1.0f, 9, 0, b); }, rvpStsStepErr},
         {"gauss kernel 2", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, df, 8, {2, 4}, 2, 1.0f, 1, 0, b); }, rvpStsBadArgErr},
-        {"gauss kernel 1", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, df, 8, {2, 4}, 1, 1.0f, 1, 0, b); }, rvpStsBadArgErr},
         {"gauss flag 0x40", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, df, 8, {2, 4}, 3, 1.0f, 0x41, 0, b); }, rvpStsBadArgErr},
         // The weak step test lets a 2-byte step through; the row pipeline refuses it.
         {"gauss pipeline step", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 2, df, 8, {2, 4}, 3, 1.0f, 0x31, 0, b); }, rvpStsStepErr},
-        {"sobel kernel null", [&] { return rvpiGenSobelKernel_16s(nullptr, 3, 0, 1); }, rvpStsNullPtrErr},
         {"sobel kernel even", [&] { return rvpiGenSobelKernel_16s(d, 4, 0, 1); }, rvpStsSizeErr},
         {"sobel kernel dx", [&] { return rvpiGenSobelKernel_32f(df, 3, 3, 1); }, rvpStsSizeErr},
     };

@@ -79,17 +79,44 @@ template <class G> long long dotInt(const std::vector<int>& taps, G get) {
 
 enum class RowKind { U8to16, S16, Low, F32 };
 
-// One row of the row stage for every form. ext(k) is sample x - a + k.
+// Low forms: 16-bit wrapping products and sums, shifted right by log2 of
+// |divisor|'s highest bit, negated for a negative divisor.
+template <class G> int16_t lowSum(const std::vector<double>& kernel, int divisor, G e) {
+    int16_t acc = 0;
+    for (size_t k = 0; k < kernel.size(); ++k)
+        acc = static_cast<int16_t>(acc + static_cast<int16_t>(static_cast<int>(kernel[k]) * e(static_cast<int>(k))));
+    int sh = 0;
+    for (long long m = std::llabs(divisor); m > 1; m >>= 1) ++sh;
+    return static_cast<int16_t>(divisor < 0 ? -(acc >> sh) : acc >> sh);
+}
+
+// Float sum of t[k] * e(k) in tap order.
+template <class G> float tapOrder(const std::vector<float>& t, G e) {
+    float s = t[0] * static_cast<float>(e(0));
+    for (size_t k = 1; k < t.size(); ++k) s += t[k] * static_cast<float>(e(static_cast<int>(k)));
+    return s;
+}
+
+// Mirrored pairs added first: (e0 + e4) t0 + (e1 + e3) t1 + e2 t2, or the
+// 3-tap (e0 + e2) t0 + e1 t1.
+template <class G> float symSum(const std::vector<float>& t, G e) {
+    if (t.size() == 3) return t[0] * (float(e(0)) + float(e(2))) + t[1] * float(e(1));
+    float s = t[0] * (float(e(0)) + float(e(4)));
+    s += t[1] * (float(e(1)) + float(e(3)));
+    return s + t[2] * float(e(2));
+}
+
+// One row of the row stage for every form. e(k) is sample x - a + k of the
+// row extended by the border rule.
 template <class S, class D>
 std::vector<D> pipelineRow(RowKind kind, const std::vector<S>& row, int w, int C, const std::vector<double>& kernel,
                            int a, int type, S bv, int divisor) {
     const int n = static_cast<int>(kernel.size());
     std::vector<D> out(static_cast<size_t>(w) * C);
     const float inv = kind == RowKind::F32 ? 1.0f : 1.0f / static_cast<float>(divisor);
-    std::vector<float> t(n);
-    for (int k = 0; k < n; ++k) t[k] = static_cast<float>(kernel[k]) * inv;
-    const bool sym3 = n == 3 && kernel[0] == kernel[2];
-    const bool sym5 = n == 5 && kernel[0] == kernel[4] && kernel[1] == kernel[3];
+    std::vector<float> t(n), raw(n);
+    for (int k = 0; k < n; ++k) raw[k] = static_cast<float>(kernel[k]), t[k] = raw[k] * inv;
+    const bool sym = (n == 3 && kernel[0] == kernel[2]) || (n == 5 && kernel[0] == kernel[4] && kernel[1] == kernel[3]);
     for (int x = 0; x < w; ++x)
         for (int c = 0; c < C; ++c) {
             auto e = [&](int k) -> S {
@@ -97,67 +124,31 @@ std::vector<D> pipelineRow(RowKind kind, const std::vector<S>& row, int w, int C
                 return i < 0 ? bv : row[static_cast<size_t>(i) * C + c];
             };
             const bool middle = x >= a && x <= w - n + a;
-            float s = 0.0f;
             D& o = out[static_cast<size_t>(x) * C + c];
-            switch (kind) {
-            case RowKind::U8to16:
-                if (C == 1 && n != 3) {
-                    long long acc = 0;
-                    for (int k = 0; k < n; ++k) acc += static_cast<long long>(kernel[k]) * e(k);
-                    o = roundSat<D>(static_cast<float>(acc) * inv);
-                } else {
-                    for (int k = 0; k < n; ++k) s = k == 0 ? t[0] * e(0) : s + t[k] * e(k);
-                    o = roundSat<D>(s);
-                }
-                break;
-            case RowKind::S16:
-                if (C == 1 && !middle) {
-                    for (int k = 0; k < n; ++k) {
-                        const float p = static_cast<float>(kernel[k]) * static_cast<float>(e(k));
-                        s = k == 0 ? p : s + p;
-                    }
-                    float v = s * inv;
-                    v = v < -32768.0f ? -32768.0f : v > 32767.0f ? 32767.0f : v;
-                    o = static_cast<D>(static_cast<int>(v));  // toward zero
-                } else if (C == 1 && sym3) {
-                    o = roundSat<D>(t[0] * (float(e(0)) + float(e(2))) + t[1] * float(e(1)));
-                } else if (C == 1 && sym5) {
-                    s = t[0] * (float(e(0)) + float(e(4)));
-                    s += t[1] * (float(e(1)) + float(e(3)));
-                    o = roundSat<D>(s + t[2] * float(e(2)));
-                } else {
-                    for (int k = 0; k < n; ++k) s = k == 0 ? t[0] * e(0) : s + t[k] * e(k);
-                    o = roundSat<D>(s);
-                }
-                break;
-            case RowKind::Low: {
-                int16_t acc = 0;
-                for (int k = 0; k < n; ++k) acc = static_cast<int16_t>(acc + static_cast<int16_t>(static_cast<int>(kernel[k]) * e(k)));
-                int sh = 0;
-                for (long long m = std::llabs(divisor); m > 1; m >>= 1) ++sh;
-                const int v = acc >> sh;
-                o = static_cast<D>(divisor < 0 ? -v : v);
-                break;
-            }
-            case RowKind::F32:
-                if (C == 1 && n == 5 && w >= 17 && a == 2 && sym5) {
-                    s = t[0] * (float(e(0)) + float(e(4)));
-                    s += t[1] * (float(e(1)) + float(e(3)));
-                    o = static_cast<D>(s + t[2] * float(e(2)));
-                } else if (C == 1 && n > 8 && w >= 17 && w > n && middle) {
-                    float part[8];
-                    for (int k = 0; k < n; ++k) {
-                        const float p = t[k] * float(e(k));
-                        part[k % 8] = k < 8 ? p : part[k % 8] + p;
-                    }
-                    s = part[0];
-                    for (int i = 1; i < 8; ++i) s += part[i];
-                    o = static_cast<D>(s);
-                } else {
-                    for (int k = 0; k < n; ++k) s = k == 0 ? t[0] * float(e(0)) : s + t[k] * float(e(k));
-                    o = static_cast<D>(s);
-                }
-                break;
+            if (kind == RowKind::Low) {
+                o = lowSum(kernel, divisor, e);
+            } else if (kind == RowKind::U8to16 && C == 1 && n != 3) {  // exact integer sum, scaled once
+                long long acc = 0;
+                for (int k = 0; k < n; ++k) acc += static_cast<long long>(kernel[k]) * e(k);
+                o = roundSat<D>(static_cast<float>(acc) * inv);
+            } else if (kind == RowKind::S16 && C == 1 && !middle) {  // ends: raw taps, scaled, truncated
+                float v = tapOrder(raw, e) * inv;
+                v = v < -32768.0f ? -32768.0f : v > 32767.0f ? 32767.0f : v;
+                o = static_cast<D>(static_cast<int>(v));
+            } else if (kind == RowKind::S16 && C == 1 && sym && n <= 5) {
+                o = roundSat<D>(symSum(t, e));
+            } else if (kind != RowKind::F32) {
+                o = roundSat<D>(tapOrder(t, e));
+            } else if (C == 1 && n == 5 && w >= 17 && a == 2 && sym) {  // whole-image 5-tap routine
+                o = static_cast<D>(symSum(t, e));
+            } else if (C == 1 && n > 8 && w >= 17 && w > n && middle) {  // eight partial sums
+                float part[8];
+                for (int k = 0; k < n; ++k) part[k % 8] = k < 8 ? t[k] * float(e(k)) : part[k % 8] + t[k] * float(e(k));
+                float s = part[0];
+                for (int i = 1; i < 8; ++i) s += part[i];
+                o = static_cast<D>(s);
+            } else {
+                o = static_cast<D>(tapOrder(t, e));
             }
         }
     return out;
@@ -170,23 +161,13 @@ std::vector<D> pipelineColumn(RowKind kind, const std::vector<const S*>& rows, i
     const int n = static_cast<int>(kernel.size());
     std::vector<D> out(samples);
     const float inv = kind == RowKind::F32 ? 1.0f : 1.0f / static_cast<float>(divisor);
+    std::vector<float> t(n);
+    for (int k = 0; k < n; ++k) t[k] = static_cast<float>(kernel[k]) * inv;
     for (int x = 0; x < samples; ++x) {
-        if (kind == RowKind::Low) {
-            int16_t acc = 0;
-            for (int k = 0; k < n; ++k) acc = static_cast<int16_t>(acc + static_cast<int16_t>(static_cast<int>(kernel[k]) * rows[k][x]));
-            int sh = 0;
-            for (long long m = std::llabs(divisor); m > 1; m >>= 1) ++sh;
-            const int v = acc >> sh;
-            out[x] = static_cast<D>(divisor < 0 ? -v : v);
-            continue;
-        }
-        float s = 0.0f;
-        for (int k = 0; k < n; ++k) {
-            const float p = static_cast<float>(kernel[k]) * inv * static_cast<float>(rows[k][x]);
-            s = k == 0 ? p : s + p;
-        }
-        if (kind == RowKind::F32) out[x] = static_cast<D>(s);
-        else out[x] = roundSat<D>(s);
+        auto e = [&](int k) { return rows[k][x]; };
+        if (kind == RowKind::Low) out[x] = static_cast<D>(lowSum(kernel, divisor, e));
+        else if (kind == RowKind::F32) out[x] = static_cast<D>(tapOrder(t, e));
+        else out[x] = roundSat<D>(tapOrder(t, e));
     }
     return out;
 }
