@@ -501,115 +501,55 @@ int colPipelineBytes(ColForm f, RvpiSize roi, int k, int maxThreads) {
 using namespace rvcv;
 using namespace rvcv::filt;
 
-// ---- Row stage entry points ----------------------------------------------------
+// ---- Entry points ------------------------------------------------------------------
 
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst,
-                                                            RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                            int xAnchor, int borderType, Rvp8u borderValue,
-                                                            int divisor, Rvp8u* pBuffer) {
-    return row8u16s(1, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                    pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_8u16s_C3R(const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst,
-                                                            RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                            int xAnchor, int borderType, Rvp8u borderValue,
-                                                            int divisor, Rvp8u* pBuffer) {
-    return row8u16s(3, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                    pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_16s_C1R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst,
-                                                          RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                          int xAnchor, int borderType, Rvp16s borderValue,
-                                                          int divisor, Rvp8u* pBuffer) {
-    return row16s(1, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                  pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_16s_C3R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst,
-                                                          RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                          int xAnchor, int borderType, Rvp16s borderValue,
-                                                          int divisor, Rvp8u* pBuffer) {
-    return row16s(3, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                  pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_Low_16s_C1R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst,
-                                                              RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                              int xAnchor, int borderType, Rvp16s borderValue,
-                                                              int divisor, Rvp8u* pBuffer) {
-    return rowLow(1, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                  pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_Low_16s_C3R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst,
-                                                              RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                              int xAnchor, int borderType, Rvp16s borderValue,
-                                                              int divisor, Rvp8u* pBuffer) {
-    return rowLow(3, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, divisor,
-                  pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst,
-                                                          RvpiSize roiSize, const Rvp32f* pKernel, int kernelSize,
-                                                          int xAnchor, int borderType, Rvp32f borderValue,
-                                                          Rvp8u* pBuffer) {
-    return row32f(1, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst,
-                                                          RvpiSize roiSize, const Rvp32f* pKernel, int kernelSize,
-                                                          int xAnchor, int borderType, Rvp32f borderValue,
-                                                          Rvp8u* pBuffer) {
-    return row32f(3, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue, pBuffer);
-}
+#define RVCV_ROW(suffix, T, impl, C)                                                                             \
+    RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_##suffix(const T* pSrc, int srcStep, Rvp16s** ppDst,        \
+                                                               RvpiSize roiSize, const Rvp16s* pKernel,           \
+                                                               int kernelSize, int xAnchor, int borderType,       \
+                                                               T borderValue, int divisor, Rvp8u* pBuffer) {      \
+        return impl(C, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue,       \
+                    divisor, pBuffer);                                                                             \
+    }
+#define RVCV_ROW32F(suffix, C)                                                                                   \
+    RVCV_EXPORT RvpStatus rvpiFilterRowBorderPipeline_##suffix(const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst,   \
+                                                               RvpiSize roiSize, const Rvp32f* pKernel,           \
+                                                               int kernelSize, int xAnchor, int borderType,       \
+                                                               Rvp32f borderValue, Rvp8u* pBuffer) {              \
+        return row32f(C, pSrc, srcStep, ppDst, roiSize, pKernel, kernelSize, xAnchor, borderType, borderValue,     \
+                      pBuffer);                                                                                    \
+    }
+#define RVCV_COL(suffix, D, impl, C)                                                                             \
+    RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_##suffix(const Rvp16s** ppSrc, D* pDst, int dstStep,           \
+                                                            RvpiSize roiSize, const Rvp16s* pKernel,              \
+                                                            int kernelSize, int divisor, Rvp8u* pBuffer) {        \
+        return impl(C, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);                      \
+    }
+#define RVCV_COL32F(suffix, C)                                                                                   \
+    RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_##suffix(const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep,      \
+                                                            RvpiSize roiSize, const Rvp32f* pKernel,              \
+                                                            int kernelSize, Rvp8u* pBuffer) {                     \
+        return col32f(C, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, pBuffer);                             \
+    }
 
-// ---- Column stage entry points -------------------------------------------------
-
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s_C1R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep,
-                                                       RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                       int divisor, Rvp8u* pBuffer) {
-    return col16s(1, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s_C3R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep,
-                                                       RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                       int divisor, Rvp8u* pBuffer) {
-    return col16s(3, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s8s_C1R(const Rvp16s** ppSrc, Rvp8s* pDst, int dstStep,
-                                                         RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                         int divisor, Rvp8u* pBuffer) {
-    return col16s(1, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s8s_C3R(const Rvp16s** ppSrc, Rvp8s* pDst, int dstStep,
-                                                         RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                         int divisor, Rvp8u* pBuffer) {
-    return col16s(3, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s8u_C1R(const Rvp16s** ppSrc, Rvp8u* pDst, int dstStep,
-                                                         RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                         int divisor, Rvp8u* pBuffer) {
-    return col16s(1, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_16s8u_C3R(const Rvp16s** ppSrc, Rvp8u* pDst, int dstStep,
-                                                         RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                         int divisor, Rvp8u* pBuffer) {
-    return col16s(3, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_Low_16s_C1R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep,
-                                                           RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                           int divisor, Rvp8u* pBuffer) {
-    return colLow(1, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_Low_16s_C3R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep,
-                                                           RvpiSize roiSize, const Rvp16s* pKernel, int kernelSize,
-                                                           int divisor, Rvp8u* pBuffer) {
-    return colLow(3, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, divisor, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_32f_C1R(const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep,
-                                                       RvpiSize roiSize, const Rvp32f* pKernel, int kernelSize,
-                                                       Rvp8u* pBuffer) {
-    return col32f(1, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, pBuffer);
-}
-RVCV_EXPORT RvpStatus rvpiFilterColumnPipeline_32f_C3R(const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep,
-                                                       RvpiSize roiSize, const Rvp32f* pKernel, int kernelSize,
-                                                       Rvp8u* pBuffer) {
-    return col32f(3, ppSrc, pDst, dstStep, roiSize, pKernel, kernelSize, pBuffer);
-}
+RVCV_ROW(8u16s_C1R, Rvp8u, row8u16s, 1)
+RVCV_ROW(8u16s_C3R, Rvp8u, row8u16s, 3)
+RVCV_ROW(16s_C1R, Rvp16s, row16s, 1)
+RVCV_ROW(16s_C3R, Rvp16s, row16s, 3)
+RVCV_ROW(Low_16s_C1R, Rvp16s, rowLow, 1)
+RVCV_ROW(Low_16s_C3R, Rvp16s, rowLow, 3)
+RVCV_ROW32F(32f_C1R, 1)
+RVCV_ROW32F(32f_C3R, 3)
+RVCV_COL(16s_C1R, Rvp16s, col16s, 1)
+RVCV_COL(16s_C3R, Rvp16s, col16s, 3)
+RVCV_COL(16s8s_C1R, Rvp8s, col16s, 1)
+RVCV_COL(16s8s_C3R, Rvp8s, col16s, 3)
+RVCV_COL(16s8u_C1R, Rvp8u, col16s, 1)
+RVCV_COL(16s8u_C3R, Rvp8u, col16s, 3)
+RVCV_COL(Low_16s_C1R, Rvp16s, colLow, 1)
+RVCV_COL(Low_16s_C3R, Rvp16s, colLow, 3)
+RVCV_COL32F(32f_C1R, 1)
+RVCV_COL32F(32f_C3R, 3)
 
 // ---- Buffer queries --------------------------------------------------------------
 
