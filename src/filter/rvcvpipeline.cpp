@@ -3,6 +3,8 @@
 // the two ends of each row; the column stage has no border logic at all.
 // Band threads work on private copies of their slice of the pointer array.
 #include "filter/rvcvfilter.h"
+#include "filter/rvcvfloatk.h"
+#include "rvcvcpu.h"
 
 namespace rvcv {
 namespace filt {
@@ -113,19 +115,13 @@ struct Row32f {
     void operator()(const Rvp32f* p, Rvp32f* dst, int count, bool edge) const {
         const int total = count * C;
         Rvp32f* __restrict d = dst;
-        const float t0 = t[0], t1 = n > 1 ? t[1] : 0.0f, t2 = n > 2 ? t[2] : 0.0f;
-        const float t3 = n > 3 ? t[3] : 0.0f, t4 = n > 4 ? t[4] : 0.0f;
-        const Rvp32f *p1 = p + C, *p2 = p + 2 * C, *p3 = p + 3 * C, *p4 = p + 4 * C;
+        const FloatKernels& k = pick(m7::kFloat, avx2::kFloat);
         if (sym5) {
-            for (int j = 0; j < total; ++j) {
-                float s = t0 * (p[j] + p4[j]);
-                s += t1 * (p1[j] + p3[j]);
-                d[j] = s + t2 * p2[j];
-            }
+            k.rowSym5(p, d, total, C, t);
         } else if (n == 3) {
-            for (int j = 0; j < total; ++j) d[j] = t0 * p[j] + t1 * p1[j] + t2 * p2[j];
+            k.row3(p, d, total, C, t);
         } else if (n == 5) {
-            for (int j = 0; j < total; ++j) d[j] = t0 * p[j] + t1 * p1[j] + t2 * p2[j] + t3 * p3[j] + t4 * p4[j];
+            k.row5(p, d, total, C, t);
         } else if (wide && !edge && n > 8) {
             constexpr int kW = 64;
             float part[8][kW];
@@ -175,15 +171,8 @@ struct Col32f {
     void operator()(const Rvp32f* const* r, Rvp32f* dst, int width, void*) const {
         Rvp32f* __restrict d = dst;
         if (n == 3 || n == 5) {
-            const float t0 = t[0], t1 = t[1], t2 = t[2];
-            const Rvp32f *q0 = r[0], *q1 = r[1], *q2 = r[2];
-            if (n == 3) {
-                for (int x = 0; x < width; ++x) d[x] = t0 * q0[x] + t1 * q1[x] + t2 * q2[x];
-                return;
-            }
-            const float t3 = t[3], t4 = t[4];
-            const Rvp32f *q3 = r[3], *q4 = r[4];
-            for (int x = 0; x < width; ++x) d[x] = t0 * q0[x] + t1 * q1[x] + t2 * q2[x] + t3 * q3[x] + t4 * q4[x];
+            const FloatKernels& k = pick(m7::kFloat, avx2::kFloat);
+            (n == 3 ? k.col3 : k.col5)(r, d, width, t);
             return;
         }
         float acc[kChunk];

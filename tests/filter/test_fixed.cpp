@@ -294,10 +294,12 @@ std::vector<float> gaussRef(const ref::Plane<float>& img, int k, float sigma, in
 TEST(Gauss, MatchesRowAndColumnFiltering) {
     uint32_t seed = 900;
     const Size sizes[] = {{1, 1}, {3, 8}, {20, 2}, {17, 13}, {40, 30}};
+    for (rvcv::Isa isa : isaLevels())
     for (const Size sz : sizes)
         for (int k : {3, 5, 7, 11})
             for (int bt : {0, 1, 2, 3, 4, 0x10 | 2, 0x20 | 0, 0x30 | 3}) {
                 SCOPED_TRACE(testing::Message() << sz.w << "x" << sz.h << " k" << k << " border " << bt);
+                ScopedIsa scoped(isa);
                 Framed<float> src(sz.w, sz.h, seed++);
                 Image<float> dst(sz.w, sz.h, 1, 8);
                 int bytes = 0;

@@ -143,7 +143,10 @@ TEST(RowPipeline, MatchesReference) {
     uint32_t seed = 100;
     for (const auto& f : k8u) sweepRows(f, 300, seed++, kWidths, 3, kSizes);
     for (const auto& f : k16s) sweepRows(f, 40, seed++, kWidths, 3, kSizes);
-    for (const auto& f : k32f) sweepRows(f, 2, seed++, kWidths, 2, kSizes);
+    for (rvcv::Isa isa : isaLevels()) {  // the float 3- and 5-tap kernels exist per level
+        ScopedIsa scoped(isa);
+        for (const auto& f : k32f) sweepRows(f, 2, seed++, kWidths, 2, kSizes);
+    }
     for (const auto& f : k16s) sweepRows(f, 30000, seed++, kWidths, 2, kSizes);  // sums past 16 bits: saturation
 }
 
@@ -157,8 +160,11 @@ TEST(ColumnPipeline, MatchesReference) {
     sweepColumns(kCol8u3, 5, 6, widths, 5, kSizes);
     sweepColumns(kColLow, 40, 7, widths, 5, kSizes);
     sweepColumns(kColLow3, 40, 8, widths, 5, kSizes);
-    sweepColumns(kCol32f, 2, 9, widths, 4, kSizes);
-    sweepColumns(kCol32f3, 2, 10, widths, 4, kSizes);
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        sweepColumns(kCol32f, 2, 9, widths, 4, kSizes);
+        sweepColumns(kCol32f3, 2, 10, widths, 4, kSizes);
+    }
 }
 
 // Past the parallel threshold at 1, 2, 3 and 8 permitted threads: the same
