@@ -19,38 +19,15 @@ namespace filt {
 constexpr int kMemLeft = rvpBorderInMemLeft;
 constexpr int kMemRight = rvpBorderInMemRight;
 
-// Positions [p0, p0 + count) of an extended row of w pixels with C
-// interleaved channels. Sides flagged as in memory are read as they are;
-// the others follow the border rule, each channel on its own.
-template <class S>
-void fillRange(const S* src, int w, int C, int p0, int count, int type, int flags, S bv, S* out) {
-    for (int i = 0; i < count; ++i) {
-        const int p = p0 + i;
-        const bool mem = (p >= 0 && p < w) || (p < 0 && (flags & kMemLeft)) || (p >= w && (flags & kMemRight));
-        const int idx = mem ? p : borderIndex(p, w, type);
-        for (int c = 0; c < C; ++c)
-            out[i * C + c] = idx < 0 && !mem ? bv : src[static_cast<ptrdiff_t>(idx) * C + c];
-    }
-}
-
-// Scratch samples filterRow needs for a kernel of n taps.
-inline int rowWorkSamples(int n, int C) { return 3 * n * C; }
 
 // FillBorder: the head holds positions -a .. n-2, the tail positions
-// w-n+1 .. w+n-2-a; a row narrower than the kernel becomes one extended row.
-// Returns the index at which the tail begins (0 for a merged row).
+// w-n+1 .. w+n-2-a of the row extended by the border rule (sides flagged
+// 0x40 / 0x80 are read from memory); a row narrower than the kernel becomes
+// one extended row. Returns the index at which the tail begins (0 for a
+// merged row). Compiled once for 8u, 16s and 32f rows, outside the
+// per-instruction-set files.
 template <class S>
-int fillBorder(const S* src, int w, int C, int n, int a, int type, int flags, S bv, S* head, S*& tail) {
-    if (w < n) {
-        fillRange(src, w, C, -a, w + n - 1, type, flags, bv, head);
-        tail = head;
-        return 0;
-    }
-    tail = head + (a + n - 1) * C;
-    fillRange(src, w, C, -a, a + n - 1, type, flags, bv, head);
-    fillRange(src, w, C, w - n + 1, 2 * n - 2 - a, type, flags, bv, tail);
-    return w - n + 1;
-}
+int fillBorder(const S* src, int w, int C, int n, int a, int type, int flags, S bv, S* head, S*& tail);
 
 // One row of a row stage. op(p, d, count, edge) writes count pixels d[j]
 // (j < count * C) from p[j + k * C]; edge tells the head and tail outputs

@@ -474,6 +474,36 @@ RvpStatus colQuery(ColForm f, RvpiSize roi, int k, int* pBufferSize) {
 
 }  // namespace
 
+// Positions [p0, p0 + count) of an extended row of w pixels with C
+// interleaved channels, each channel on its own.
+template <class S>
+void fillRange(const S* src, int w, int C, int p0, int count, int type, int flags, S bv, S* out) {
+    for (int i = 0; i < count; ++i) {
+        const int p = p0 + i;
+        const bool mem = (p >= 0 && p < w) || (p < 0 && (flags & kMemLeft)) || (p >= w && (flags & kMemRight));
+        const int idx = mem ? p : borderIndex(p, w, type);
+        for (int c = 0; c < C; ++c)
+            out[i * C + c] = idx < 0 && !mem ? bv : src[static_cast<ptrdiff_t>(idx) * C + c];
+    }
+}
+
+template <class S>
+int fillBorder(const S* src, int w, int C, int n, int a, int type, int flags, S bv, S* head, S*& tail) {
+    if (w < n) {
+        fillRange(src, w, C, -a, w + n - 1, type, flags, bv, head);
+        tail = head;
+        return 0;
+    }
+    tail = head + (a + n - 1) * C;
+    fillRange(src, w, C, -a, a + n - 1, type, flags, bv, head);
+    fillRange(src, w, C, w - n + 1, 2 * n - 2 - a, type, flags, bv, tail);
+    return w - n + 1;
+}
+
+template int fillBorder<Rvp8u>(const Rvp8u*, int, int, int, int, int, int, Rvp8u, Rvp8u*, Rvp8u*&);
+template int fillBorder<Rvp16s>(const Rvp16s*, int, int, int, int, int, int, Rvp16s, Rvp16s*, Rvp16s*&);
+template int fillBorder<Rvp32f>(const Rvp32f*, int, int, int, int, int, int, Rvp32f, Rvp32f*, Rvp32f*&);
+
 int rowPipelineBytes(RowForm f, RvpiSize roi, int k, int maxThreads) {
     const int bytes = regionBytes(maxThreads, roi.height, k, rowPerThread(f, k));
     return f == RowForm::P32f_C1 ? wadd(bytes, wmul(maxThreads, 16)) : bytes;

@@ -121,13 +121,16 @@ template <class Forms> void sweepAll(const Forms& forms, uint32_t seed, const Si
 
 TEST(FixedFilters, MatchReference) {
     const int ns = sizeof kSizes / sizeof kSizes[0];
-    sweepAll(k8u16s, 1, kSizes, ns);
-    sweepAll(k8u8s, 2, kSizes, ns);
-    sweepAll(k32f, 3, kSizes, ns);
-    sweepAll(k8u, 4, kSizes, ns);
-    sweepAll(kScharr16, 5, kSizes, ns);
-    sweepAll(kScharr8, 6, kSizes, ns);
-    sweepAll(kScharr32, 7, kSizes, ns);
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        sweepAll(k8u16s, 1, kSizes, ns);
+        sweepAll(k8u8s, 2, kSizes, ns);
+        sweepAll(k32f, 3, kSizes, ns);
+        sweepAll(k8u, 4, kSizes, ns);
+        sweepAll(kScharr16, 5, kSizes, ns);
+        sweepAll(kScharr8, 6, kSizes, ns);
+        sweepAll(kScharr32, 7, kSizes, ns);
+    }
 }
 
 // Images of 300 rows go to a team; band seams read real rows, so every
