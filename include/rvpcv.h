@@ -264,6 +264,7 @@ RVPAPI RvpStatus rvpiFilterLowpassBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, 
 RVPAPI RvpStatus rvpiFilterLowpassBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
     int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
 /* Gaussian of kernelSize (odd, >= 3) taps exp(-d^2 / (2 sigma^2)), normalised.
+ * A zero or NaN sigma is replaced by 0.3 ((K - 1) / 2 - 1) + 0.8.
  * borderType 0..4 plus flags 0x10 / 0x20. Steps are compared with the width
  * in samples. Statuses: NullPtr, Size, Step, BadArg, and those of the
  * pipelines it runs. */

@@ -36,8 +36,6 @@ template <class T, int Idx, int K0, int... K> struct Dot<T, Idx, K0, K...> {
     }
 };
 
-// Integer sums are made in int; they never leave the 16-bit range for 8-bit
-// sources, so wrapping and saturating 16-bit arithmetic agree with them.
 // Writes one output row from value(x). 8-bit results are made as 16-bit
 // values first and then packed with saturation, 16 at a time; 16-bit and
 // float results are stored as they come.
@@ -66,6 +64,8 @@ template <class D, class F> inline void emitRow(D* dst, int w, const F& value) {
     }
 }
 
+// Integer sums are made in int; they never leave the 16-bit range for 8-bit
+// sources, so wrapping and saturating 16-bit arithmetic agree with them.
 template <class S> using Acc = typename std::conditional<std::is_same<S, Rvp32f>::value, float, int>::type;
 
 // ---- Row routines ----------------------------------------------------------

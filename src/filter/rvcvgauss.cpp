@@ -44,6 +44,9 @@ RvpStatus gauss(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, Rvpi
     Rvp8u* rowBuf = reinterpret_cast<Rvp8u*>(ptrs + 2 * k);
     Rvp8u* colBuf = rowBuf + rowPipelineBytes(RowForm::P32f_C1, RvpiSize{w, k}, k, owncvGetMaxNumThreads());
 
+    // A zero or NaN sigma would make every tap NaN; it takes the width
+    // that suits the kernel size instead. A negative sigma acts by its square.
+    if (!(sigma * sigma > 0.0f)) sigma = 0.3f * (static_cast<float>(k - 1) * 0.5f - 1.0f) + 0.8f;
     float sum = 0.0f;
     const float twoSigma2 = 2.0f * sigma * sigma;
     for (int i = 0; i < k; ++i) {

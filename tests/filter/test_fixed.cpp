@@ -318,6 +318,20 @@ TEST(Gauss, MatchesRowAndColumnFiltering) {
             }
 }
 
+// Sigma 0 takes the size's default width rather than giving NaN.
+TEST(Gauss, ZeroSigmaTakesTheDefaultWidth) {
+    Framed<float> src(9, 7, 5);
+    Image<float> a(9, 7), b(9, 7);
+    int bytes = 0;
+    ASSERT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({9, 7}, 5, &bytes), rvpStsNoErr);
+    std::vector<Rvp8u> buf(bytes);
+    ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), a.ptr(), a.step(), {9, 7}, 5, 0.0f, 1, 0,
+                                            buf.data()), rvpStsNoErr);
+    ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), b.ptr(), b.step(), {9, 7}, 5, 1.1f, 1, 0,
+                                            buf.data()), rvpStsNoErr);
+    EXPECT_EQ(a.bytes(), b.bytes());
+}
+
 TEST(GenSobelKernel, BinomialAndDifferences) {
     struct Case { int k, dx, sign; std::vector<int> want; };
     const Case cases[] = {{3, 0, 1, {1, 2, 1}},          {3, 1, 1, {-1, 0, 1}},     {3, 2, 1, {1, -2, 1}},
