@@ -207,8 +207,185 @@ RVPAPI RvpStatus rvpiAddWeighted_32f_C1R(const Rvp32f* pSrc1, int src1Step, cons
                                          Rvp32f alpha);
 
 /* ---- Row and column pipelines ----------------------------------------- */
+/* Row stage: ppDst[y][x] = sum over k of pKernel[k] * ext[x + k - xAnchor]
+ * for each source row, ext being the row extended by borderType (0..4,
+ * constant with borderValue, replicate, wrap, mirror, mirror-repeat).
+ * Integer forms scale the taps by 1/divisor and round to nearest even with
+ * saturation; the 16s one-channel form truncates its first xAnchor and last
+ * kernelSize-1-xAnchor outputs of each row. _Low: 16-bit wrapping sums
+ * shifted right by log2 of |divisor| (highest bit), negated for a negative
+ * divisor. A null ppDst entry stops the call with NullPtr, rows before it
+ * written. Statuses: NullPtr, Size, Anchor, Step, NotEvenStep (not 8u16s),
+ * BadArg (border, divisor 0). */
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp8u borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_8u16s_C3R(const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp8u borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_16s_C1R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp16s borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_16s_C3R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp16s borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_Low_16s_C1R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp16s borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_Low_16s_C3R(const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int xAnchor, int borderType, Rvp16s borderValue, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst, RvpiSize roiSize,
+    const Rvp32f* pKernel, int kernelSize, int xAnchor, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterRowBorderPipeline_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst, RvpiSize roiSize,
+    const Rvp32f* pKernel, int kernelSize, int xAnchor, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+/* Column stage: pDst[y][x] = sum over k of pKernel[k] * ppSrc[y + k][x];
+ * ppSrc holds height + kernelSize - 1 row pointers (entries may repeat).
+ * Statuses: NullPtr (also for any null entry, before anything is written),
+ * Size, Step, NotEvenStep, BadArg (divisor 0). */
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s_C1R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s_C3R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s8s_C1R(const Rvp16s** ppSrc, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s8s_C3R(const Rvp16s** ppSrc, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s8u_C1R(const Rvp16s** ppSrc, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_16s8u_C3R(const Rvp16s** ppSrc, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_Low_16s_C1R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_Low_16s_C3R(const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp16s* pKernel, int kernelSize, int divisor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_32f_C1R(const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp32f* pKernel, int kernelSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterColumnPipeline_32f_C3R(const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    const Rvp32f* pKernel, int kernelSize, Rvp8u* pBuffer);
+/* Scratch bytes for the pipelines at the permitted thread count. Statuses: NullPtr, Size. */
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_16s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_16s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_32f_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterRowBorderPipelineGetBufferSize_32f_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s8s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s8s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s8u_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_16s8u_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_Low_16s_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_Low_16s_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_32f_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterColumnPipelineGetBufferSize_32f_C3R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
 
 /* ---- Fixed-kernel border filters -------------------------------------- */
+/* Separable filters with fixed taps, maskSize 33 (3x3) or 55 (5x5):
+ * SobelHoriz (rows 1 2 1, columns -1 0 1), SobelVert (rows 1 0 -1, columns
+ * 1 2 1), SobelNegVert (its negation), SobelHorizSecond, SobelVertSecond,
+ * SobelCross, Laplacian; Scharr 3x3 only (no maskSize). borderType: 0..4
+ * or 6 (all sides in memory), plus flags 0x10 above, 0x20 below, 0x40 left,
+ * 0x80 right for sides that exist in memory. 8u8s results saturate.
+ * Statuses: NullPtr, Size, Step, NotEvenStep (16s/32f destinations, 32f
+ * sources), BadArg (border), MaskSize. */
+RVPAPI RvpStatus rvpiFilterSobelHorizBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelHorizBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelHorizBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelNegVertBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelNegVertBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelNegVertBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelCrossBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelCrossBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterSobelCrossBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterLaplacianBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterLaplacianBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterLaplacianBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrHorizBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrHorizBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrHorizBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrVertBorder_8u16s_C1R(const Rvp8u* pSrc, int srcStep, Rvp16s* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrVertBorder_8u8s_C1R(const Rvp8u* pSrc, int srcStep, Rvp8s* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterScharrVertBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+/* Box mean; 8u divides by fixed-point products (3x3: ((sum+5)*7280)>>16, 5x5: (sum*2621)>>16). */
+RVPAPI RvpStatus rvpiFilterLowpassBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp8u borderValue, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterLowpassBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int maskSize, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+/* Gaussian of kernelSize (odd, >= 3) taps exp(-d^2 / (2 sigma^2)), normalised.
+ * A zero or NaN sigma is replaced by 0.3 ((K - 1) / 2 - 1) + 0.8.
+ * borderType 0..4 plus flags 0x10 / 0x20. Steps are compared with the width
+ * in samples. Statuses: NullPtr, Size, Step, BadArg, and those of the
+ * pipelines it runs. */
+RVPAPI RvpStatus rvpiFilterGaussBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+    int kernelSize, Rvp32f sigma, int borderType, Rvp32f borderValue, Rvp8u* pBuffer);
+/* Scratch bytes at the permitted thread count. Statuses: NullPtr, Size, MaskSize (Gauss: BadArg). */
+RVPAPI RvpStatus rvpiFilterSobelHorizGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelHorizGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelHorizGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelNegVertGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelNegVertGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelNegVertGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelHorizSecondGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelVertSecondGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelCrossGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelCrossGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterSobelCrossGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterLaplacianGetBufferSize_8u16s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterLaplacianGetBufferSize_8u8s_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterLaplacianGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrHorizGetBufferSize_8u16s_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrHorizGetBufferSize_8u8s_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrHorizGetBufferSize_32f_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrVertGetBufferSize_8u16s_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrVertGetBufferSize_8u8s_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterScharrVertGetBufferSize_32f_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterLowpassGetBufferSize_8u_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterLowpassGetBufferSize_32f_C1R(RvpiSize roiSize, int maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterGaussGetBufferSize_32f_C1R(RvpiSize roiSize, int kernelSize, int* pBufferSize);
+/* Sobel kernel of kernelSize (odd) taps, derivative order dx < kernelSize; sign < 0 negates. Statuses: NullPtr, Size. */
+RVPAPI RvpStatus rvpiGenSobelKernel_16s(Rvp16s* pDst, int kernelSize, int dx, int sign);
+RVPAPI RvpStatus rvpiGenSobelKernel_32f(Rvp32f* pDst, int kernelSize, int dx, int sign);
 
 /* ---- Structuring-element morphology ----------------------------------- */
 

@@ -1,0 +1,3 @@
+// Fixed-kernel filter routines for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "filter/rvcvfixed_k.h"

@@ -1,0 +1,3 @@
+// Float pipeline kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "filter/rvcvfloatk_k.h"

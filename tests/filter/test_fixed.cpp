@@ -1,0 +1,352 @@
+// Fixed-kernel filters, the Gaussian and the Sobel kernel generator against
+// the reference model: every filter and type, both masks, every border code
+// with and without the in-memory flags (the region sits inside a larger
+// random plane so that flagged sides read real memory), sizes from 1x1 past
+// the ring length, and thread counts 1, 2, 3, 8 on images that go to threads.
+#include <functional>
+
+#include "reference/ref_filter.h"
+#include "support/rvtest.h"
+
+using namespace rvtest;
+
+namespace {
+
+constexpr int kMargin = 6;  // covers the Gaussian of 11 taps
+
+// A region of w x h inside a plane with kMargin samples all around.
+template <class T> struct Framed {
+    Framed(int w, int h, uint32_t seed) : plane(w + 2 * kMargin, h + 2 * kMargin, 1, 4), w(w), h(h) {
+        plane.fill(Random<T>(seed));
+    }
+    const T* region() { return &plane.at(kMargin, kMargin); }
+    ref::Plane<T> view() const {
+        return {plane.ptr(), plane.step() / static_cast<int>(sizeof(T)), kMargin, kMargin, w, h, 1};
+    }
+    Image<T> plane;
+    int w, h;
+};
+
+// 8-bit sources are drawn from the full range; float ones from +-1000.
+template <class S, class D> struct FixedForm {
+    using Fn = RvpStatus (*)(const S*, int, D*, int, RvpiSize, int, int, S, Rvp8u*);
+    using Query = RvpStatus (*)(RvpiSize, int, int*);
+    ref::Fixed kind; Fn fn; Query query;
+};
+template <class S, class D> struct ScharrForm {
+    using Fn = RvpStatus (*)(const S*, int, D*, int, RvpiSize, int, S, Rvp8u*);
+    using Query = RvpStatus (*)(RvpiSize, int*);
+    ref::Fixed kind; Fn fn; Query query;
+};
+
+#define FORMS(T, S, D)                                                                                              \
+    {ref::Fixed::SobelHoriz, rvpiFilterSobelHorizBorder_##T, rvpiFilterSobelHorizGetBufferSize_##T},                \
+    {ref::Fixed::SobelVert, rvpiFilterSobelVertBorder_##T, rvpiFilterSobelVertGetBufferSize_##T},                   \
+    {ref::Fixed::SobelNegVert, rvpiFilterSobelNegVertBorder_##T, rvpiFilterSobelNegVertGetBufferSize_##T},          \
+    {ref::Fixed::SobelHorizSecond, rvpiFilterSobelHorizSecondBorder_##T, rvpiFilterSobelHorizSecondGetBufferSize_##T}, \
+    {ref::Fixed::SobelVertSecond, rvpiFilterSobelVertSecondBorder_##T, rvpiFilterSobelVertSecondGetBufferSize_##T}, \
+    {ref::Fixed::SobelCross, rvpiFilterSobelCrossBorder_##T, rvpiFilterSobelCrossGetBufferSize_##T},                \
+    {ref::Fixed::Laplacian, rvpiFilterLaplacianBorder_##T, rvpiFilterLaplacianGetBufferSize_##T}
+
+const FixedForm<Rvp8u, Rvp16s> k8u16s[] = {FORMS(8u16s_C1R, Rvp8u, Rvp16s)};
+const FixedForm<Rvp8u, Rvp8s> k8u8s[] = {FORMS(8u8s_C1R, Rvp8u, Rvp8s)};
+const FixedForm<Rvp32f, Rvp32f> k32f[] = {
+    FORMS(32f_C1R, Rvp32f, Rvp32f),
+    {ref::Fixed::Lowpass, rvpiFilterLowpassBorder_32f_C1R, rvpiFilterLowpassGetBufferSize_32f_C1R}};
+const FixedForm<Rvp8u, Rvp8u> k8u[] = {
+    {ref::Fixed::Lowpass, rvpiFilterLowpassBorder_8u_C1R, rvpiFilterLowpassGetBufferSize_8u_C1R}};
+const ScharrForm<Rvp8u, Rvp16s> kScharr16[] = {
+    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_8u16s_C1R, rvpiFilterScharrHorizGetBufferSize_8u16s_C1R},
+    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_8u16s_C1R, rvpiFilterScharrVertGetBufferSize_8u16s_C1R}};
+const ScharrForm<Rvp8u, Rvp8s> kScharr8[] = {
+    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_8u8s_C1R, rvpiFilterScharrHorizGetBufferSize_8u8s_C1R},
+    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_8u8s_C1R, rvpiFilterScharrVertGetBufferSize_8u8s_C1R}};
+const ScharrForm<Rvp32f, Rvp32f> kScharr32[] = {
+    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_32f_C1R, rvpiFilterScharrHorizGetBufferSize_32f_C1R},
+    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_32f_C1R, rvpiFilterScharrVertGetBufferSize_32f_C1R}};
+
+const int kBorders[] = {0, 1, 2, 3, 4, 6, 0x10 | 1, 0x20 | 3, 0x40 | 2, 0x80 | 4, 0x30 | 0, 0xC0 | 3, 0xF0 | 1};
+
+struct Size { int w, h; };
+const Size kSizes[] = {{1, 1}, {1, 7}, {9, 1}, {2, 2}, {5, 4}, {15, 9}, {16, 17}, {17, 3}, {33, 41}};
+
+template <class S, class D, class Call>
+void checkCase(ref::Fixed kind, int w, int h, int n, int bt, uint32_t seed, Call call) {
+    SCOPED_TRACE(testing::Message() << "filter " << static_cast<int>(kind) << " " << w << "x" << h << " n" << n
+                                    << " border 0x" << std::hex << bt << std::dec << " seed " << seed);
+    Framed<S> src(w, h, seed);
+    std::mt19937 rng(seed);
+    const S bv = std::is_floating_point<S>::value ? static_cast<S>(static_cast<int>(rng() % 200) - 100)
+                                                  : static_cast<S>(rng());
+    Image<D> dst(w, h, 1, 8);
+    ASSERT_EQ(call(src.region(), src.plane.step(), dst, bv), rvpStsNoErr);
+    ASSERT_TRUE(dst.guardsIntact());
+    const auto want = ref::fixedFilter<S, D>(kind, src.view(), n, (bt & 0xF) == 6 ? 0xF0 : bt, bv);
+    for (int y = 0; y < h; ++y)
+        ASSERT_TRUE(sameBits(&want[static_cast<size_t>(y) * w], dst.row(y), sizeof(D) * w)) << "row " << y;
+}
+
+template <class S, class D>
+void sweep(const FixedForm<S, D>& f, uint32_t seed, const Size* sizes, int nSizes) {
+    for (int n : {3, 5})
+        for (int i = 0; i < nSizes; ++i)
+            for (int bt : kBorders) {
+                const Size sz = sizes[i];
+                int bytes = 0;
+                ASSERT_EQ(f.query({sz.w, sz.h}, n == 3 ? 33 : 55, &bytes), rvpStsNoErr);
+                std::vector<Rvp8u> buf(bytes);
+                checkCase<S, D>(f.kind, sz.w, sz.h, n, bt, seed++, [&](const S* s, int ss, Image<D>& d, S bv) {
+                    return f.fn(s, ss, d.ptr(), d.step(), {sz.w, sz.h}, n == 3 ? 33 : 55, bt, bv, buf.data());
+                });
+            }
+}
+
+template <class S, class D>
+void sweep(const ScharrForm<S, D>& f, uint32_t seed, const Size* sizes, int nSizes) {
+    for (int i = 0; i < nSizes; ++i)
+        for (int bt : kBorders) {
+            const Size sz = sizes[i];
+            int bytes = 0;
+            ASSERT_EQ(f.query({sz.w, sz.h}, &bytes), rvpStsNoErr);
+            std::vector<Rvp8u> buf(bytes);
+            checkCase<S, D>(f.kind, sz.w, sz.h, 3, bt, seed++, [&](const S* s, int ss, Image<D>& d, S bv) {
+                return f.fn(s, ss, d.ptr(), d.step(), {sz.w, sz.h}, bt, bv, buf.data());
+            });
+        }
+}
+
+template <class Forms> void sweepAll(const Forms& forms, uint32_t seed, const Size* sizes, int nSizes) {
+    for (const auto& f : forms) sweep(f, seed += 1000, sizes, nSizes);
+}
+
+TEST(FixedFilters, MatchReference) {
+    const int ns = sizeof kSizes / sizeof kSizes[0];
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        sweepAll(k8u16s, 1, kSizes, ns);
+        sweepAll(k8u8s, 2, kSizes, ns);
+        sweepAll(k32f, 3, kSizes, ns);
+        sweepAll(k8u, 4, kSizes, ns);
+        sweepAll(kScharr16, 5, kSizes, ns);
+        sweepAll(kScharr8, 6, kSizes, ns);
+        sweepAll(kScharr32, 7, kSizes, ns);
+    }
+}
+
+// Images of 300 rows go to a team; band seams read real rows, so every
+// thread count gives the reference result.
+class FixedThreads : public testing::TestWithParam<int> {};
+
+TEST_P(FixedThreads, SameResultAtEveryThreadCount) {
+    ScopedThreads threads(GetParam());
+    const Size big[] = {{260, 300}};
+    for (const auto& f : {k8u16s[0], k8u16s[6]}) {
+        for (int n : {3, 5})
+            for (int bt : {1, 0x40 | 3}) {
+                int bytes = 0;
+                ASSERT_EQ(f.query({big[0].w, big[0].h}, n == 3 ? 33 : 55, &bytes), rvpStsNoErr);
+                std::vector<Rvp8u> buf(bytes);
+                checkCase<Rvp8u, Rvp16s>(f.kind, big[0].w, big[0].h, n, bt, 40 + n,
+                                         [&](const Rvp8u* s, int ss, Image<Rvp16s>& d, Rvp8u bv) {
+                                             return f.fn(s, ss, d.ptr(), d.step(), {big[0].w, big[0].h},
+                                                         n == 3 ? 33 : 55, bt, bv, buf.data());
+                                         });
+            }
+    }
+    sweep(k8u8s[6], 50, big, 1);    // the 8u8s 5x5 Laplacian's ring-dependent pass
+    sweep(k32f[0], 60, big, 1);
+    sweep(k8u[0], 70, big, 1);
+    sweep(kScharr16[1], 80, big, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, FixedThreads, testing::ValuesIn(threadCounts()));
+
+// ---- Behaviour worth seeing spelled out ---------------------------------------
+
+TEST(FixedFilters, OnePixelWithConstantBorderGivesZero) {
+    const Rvp8u src = 200;
+    Rvp16s out = -1;
+    int bytes = 0;
+    ASSERT_EQ(rvpiFilterSobelHorizGetBufferSize_8u16s_C1R({1, 1}, 33, &bytes), rvpStsNoErr);
+    std::vector<Rvp8u> buf(bytes);
+    for (int bt : {0, 1})
+        for (Rvp8u bv : {0, 17, 255}) {
+            ASSERT_EQ(rvpiFilterSobelHorizBorder_8u16s_C1R(&src, 1, &out, 2, {1, 1}, 33, bt, bv, buf.data()), rvpStsNoErr);
+            EXPECT_EQ(out, 0) << bt << " " << int(bv);
+        }
+}
+
+TEST(FixedFilters, LowpassFixedPointDivision) {
+    Image<Rvp8u> src(7, 6), dst(7, 6);
+    int bytes = 0;
+    ASSERT_EQ(rvpiFilterLowpassGetBufferSize_8u_C1R({7, 6}, 55, &bytes), rvpStsNoErr);
+    std::vector<Rvp8u> buf(bytes);
+    src.fill([] { return Rvp8u(255); });
+    ASSERT_EQ(rvpiFilterLowpassBorder_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {7, 6}, 33, 1, 0, buf.data()), rvpStsNoErr);
+    EXPECT_EQ(dst.at(3, 3), 255);  // (2295 + 5) * 7280 >> 16
+    src.fill([] { return Rvp8u(100); });
+    ASSERT_EQ(rvpiFilterLowpassBorder_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {7, 6}, 55, 1, 0, buf.data()), rvpStsNoErr);
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 7; ++x) EXPECT_EQ(dst.at(x, y), 99);  // 2500 * 2621 >> 16: one level low
+}
+
+// One thread's part for width 20 (w16 32), height 10, 3x3, at 2 threads,
+// plus the row (8u16s) and column (16s) pipeline sizes; SobelHoriz 8u16s
+// adds 64 per thread, the others 32.
+TEST(FixedFilters, BufferSizes) {
+    ScopedThreads threads(2);
+    const int rowP = 64 + 13 * 16 + 2 * (36 * 3 + 112), colP = 64 + 13 * 16 + 2 * (20 * 12 + 32);
+    const int rowF = 64 + 13 * 16 + 2 * (128 * 3 + 64) + 32, one = 32 * 2 * 21 + 368 + 72;
+    int bytes = 0;
+    ASSERT_EQ(rvpiFilterSobelHorizGetBufferSize_8u16s_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
+    EXPECT_EQ(bytes, 2 * (one + rowP + colP + 64));
+    ASSERT_EQ(rvpiFilterScharrVertGetBufferSize_8u16s_C1R({20, 10}, &bytes), rvpStsNoErr);
+    EXPECT_EQ(bytes, 2 * (32 * 42 + 376 + rowP + colP + 32));
+    ASSERT_EQ(rvpiFilterLaplacianGetBufferSize_8u16s_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
+    EXPECT_EQ(bytes, 2 * (32 * 4 * 21 + 576 + 144 + rowP + colP + 32));
+    ASSERT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({20, 10}, 33, &bytes), rvpStsNoErr);
+    EXPECT_EQ(bytes, 2 * (32 * 4 * 21 + 368 + 72 + rowF + 32 + 32));
+    EXPECT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({20, 10}, 35, &bytes), rvpStsMaskSizeErr);
+    EXPECT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({0, 10}, 35, &bytes), rvpStsSizeErr);
+    EXPECT_EQ(rvpiFilterSobelCrossGetBufferSize_32f_C1R({0, 10}, 35, nullptr), rvpStsNullPtrErr);
+}
+
+TEST(FixedFilters, ValidationOrder) {
+    Image<Rvp8u> src(8, 4);
+    Image<Rvp16s> dst(8, 4);
+    std::vector<Rvp8u> buf(1 << 16);
+    const Rvp8u* s = src.ptr();
+    Rvp16s* d = dst.ptr();
+    Rvp8u* b = buf.data();
+    const auto* sf = reinterpret_cast<const Rvp32f*>(s);
+    auto* df = reinterpret_cast<Rvp32f*>(d);
+    auto* d8 = reinterpret_cast<Rvp8s*>(d);
+    const auto before = dst.raw();
+    struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };
+    const Row rows[] = {
+        {"null src", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(nullptr, 8, d, 16, {8, 4}, 35, 9, 0, b); }, rvpStsNullPtrErr},
+        {"size", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 1, d, 16, {8, 0}, 35, 9, 0, b); }, rvpStsSizeErr},
+        {"src step", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 7, d, 17, {8, 4}, 35, 9, 0, b); }, rvpStsStepErr},
+        {"8u16s tests only dst evenness", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 9, d, 17, {8, 4}, 35, 9, 0, b); }, rvpStsNotEvenStepErr},
+        {"8u8s has no evenness test", [&] { return rvpiFilterSobelHorizBorder_8u8s_C1R(s, 9, d8, 9, {8, 4}, 35, 9, 0, b); }, rvpStsBadArgErr},
+        {"32f src evenness", [&] { return rvpiFilterSobelVertBorder_32f_C1R(sf, 10, df, 8, {2, 4}, 35, 9, 0, b); }, rvpStsNotEvenStepErr},
+        {"border 5", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 35, 5, 0, b); }, rvpStsBadArgErr},
+        {"stray bit alone", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 33, 0x100, 0, b); }, rvpStsBadArgErr},
+        {"mask after border", [&] { return rvpiFilterSobelHorizBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 35, 1, 0, b); }, rvpStsMaskSizeErr},
+        {"stray bit beside a flag passes to mask", [&] { return rvpiFilterLaplacianBorder_8u16s_C1R(s, 8, d, 16, {8, 4}, 34, 0x110, 0, b); }, rvpStsMaskSizeErr},
+        {"lowpass mask", [&] { return rvpiFilterLowpassBorder_8u_C1R(s, 8, reinterpret_cast<Rvp8u*>(d), 9, {8, 4}, 3, 1, 0, b); }, rvpStsMaskSizeErr},
+        {"gauss height first", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 0, df, 8, {0, 0}, 2, 1.0f, 9, 0, b); }, rvpStsSizeErr},
+        {"gauss step in samples", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 1, df, 8, {2, 4}, 2, 1.0f, 9, 0, b); }, rvpStsStepErr},
+        {"gauss kernel 2", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, df, 8, {2, 4}, 2, 1.0f, 1, 0, b); }, rvpStsBadArgErr},
+        {"gauss flag 0x40", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 8, df, 8, {2, 4}, 3, 1.0f, 0x41, 0, b); }, rvpStsBadArgErr},
+        // The weak step test lets a 2-byte step through; the row pipeline refuses it.
+        {"gauss pipeline step", [&] { return rvpiFilterGaussBorder_32f_C1R(sf, 2, df, 8, {2, 4}, 3, 1.0f, 0x31, 0, b); }, rvpStsStepErr},
+        {"sobel kernel even", [&] { return rvpiGenSobelKernel_16s(d, 4, 0, 1); }, rvpStsSizeErr},
+        {"sobel kernel dx", [&] { return rvpiGenSobelKernel_32f(df, 3, 3, 1); }, rvpStsSizeErr},
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(r.call(), r.want) << r.what;
+        EXPECT_EQ(dst.raw(), before) << r.what << " wrote";
+    }
+    int bytes = 0;
+    EXPECT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({8, 4}, 4, &bytes), rvpStsBadArgErr);
+}
+
+// ---- Gaussian ----------------------------------------------------------------
+
+std::vector<float> gaussTaps(int k, float sigma) {
+    std::vector<float> t(k);
+    float sum = 0;
+    for (int i = 0; i < k; ++i) {
+        const float d = static_cast<float>(i - k / 2);
+        t[i] = std::exp(-(d * d) / (2.0f * sigma * sigma));
+        sum += t[i];
+    }
+    for (auto& v : t) v /= sum;
+    return t;
+}
+
+// Rows filtered by the row-stage rule, rows of the border value above and
+// below for a constant border, columns in tap order.
+std::vector<float> gaussRef(const ref::Plane<float>& img, int k, float sigma, int bt, float bv) {
+    const auto t = gaussTaps(k, sigma);
+    const std::vector<double> kern(t.begin(), t.end());
+    const int w = img.w, h = img.h, r = k / 2;
+    std::vector<std::vector<float>> rows;
+    for (int p = -r; p < h + r; ++p) {
+        const bool mem = (p >= 0 && p < h) || (p < 0 && (bt & 0x10)) || (p >= h && (bt & 0x20));
+        const int y = mem ? p : ref::reflect(p, h, bt & 0xF);
+        if (y < 0 && !mem) {
+            rows.emplace_back(w, bv);
+            continue;
+        }
+        std::vector<float> src(w);
+        for (int x = 0; x < w; ++x) src[x] = img.at(x, y);
+        rows.push_back(ref::pipelineRow<float, float>(ref::RowKind::F32, src, w, 1, kern, r, bt & 0xF, bv, 1));
+    }
+    std::vector<float> out(static_cast<size_t>(w) * h);
+    for (int y = 0; y < h; ++y) {
+        std::vector<const float*> win;
+        for (int i = 0; i < k; ++i) win.push_back(rows[y + i].data());
+        const auto o = ref::pipelineColumn<float, float>(ref::RowKind::F32, win, w, kern, 1);
+        std::copy(o.begin(), o.end(), out.begin() + static_cast<long>(y) * w);
+    }
+    return out;
+}
+
+TEST(Gauss, MatchesRowAndColumnFiltering) {
+    uint32_t seed = 900;
+    const Size sizes[] = {{1, 1}, {3, 8}, {20, 2}, {17, 13}, {40, 30}};
+    for (rvcv::Isa isa : isaLevels())
+    for (const Size sz : sizes)
+        for (int k : {3, 5, 7, 11})
+            for (int bt : {0, 1, 2, 3, 4, 0x10 | 2, 0x20 | 0, 0x30 | 3}) {
+                SCOPED_TRACE(testing::Message() << sz.w << "x" << sz.h << " k" << k << " border " << bt);
+                ScopedIsa scoped(isa);
+                Framed<float> src(sz.w, sz.h, seed++);
+                Image<float> dst(sz.w, sz.h, 1, 8);
+                int bytes = 0;
+                ASSERT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({sz.w, sz.h}, k, &bytes), rvpStsNoErr);
+                std::vector<Rvp8u> buf(bytes);
+                const float sigma = 0.6f + static_cast<float>(k) / 4;
+                ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), dst.ptr(), dst.step(),
+                                                        {sz.w, sz.h}, k, sigma, bt, 3.5f, buf.data()), rvpStsNoErr);
+                ASSERT_TRUE(dst.guardsIntact());
+                const auto want = gaussRef(src.view(), k, sigma, bt, 3.5f);
+                for (int y = 0; y < sz.h; ++y)
+                    ASSERT_TRUE(sameBits(&want[static_cast<size_t>(y) * sz.w], dst.row(y), 4 * sz.w)) << "row " << y;
+            }
+}
+
+// Sigma 0 takes the size's default width rather than giving NaN.
+TEST(Gauss, ZeroSigmaTakesTheDefaultWidth) {
+    Framed<float> src(9, 7, 5);
+    Image<float> a(9, 7), b(9, 7);
+    int bytes = 0;
+    ASSERT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({9, 7}, 5, &bytes), rvpStsNoErr);
+    std::vector<Rvp8u> buf(bytes);
+    ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), a.ptr(), a.step(), {9, 7}, 5, 0.0f, 1, 0,
+                                            buf.data()), rvpStsNoErr);
+    ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), b.ptr(), b.step(), {9, 7}, 5, 1.1f, 1, 0,
+                                            buf.data()), rvpStsNoErr);
+    EXPECT_EQ(a.bytes(), b.bytes());
+}
+
+TEST(GenSobelKernel, BinomialAndDifferences) {
+    struct Case { int k, dx, sign; std::vector<int> want; };
+    const Case cases[] = {{3, 0, 1, {1, 2, 1}},          {3, 1, 1, {-1, 0, 1}},     {3, 2, 1, {1, -2, 1}},
+                          {5, 1, 1, {-1, -2, 0, 2, 1}},  {5, 0, 1, {1, 4, 6, 4, 1}}, {5, 2, -1, {-1, 0, 2, 0, -1}},
+                          {1, 0, 1, {1}},                {7, 3, 1, {-1, 0, 3, 0, -3, 0, 1}}};
+    for (const Case& c : cases) {
+        Rvp16s a[8];
+        Rvp32f f[8];
+        ASSERT_EQ(rvpiGenSobelKernel_16s(a, c.k, c.dx, c.sign), rvpStsNoErr);
+        ASSERT_EQ(rvpiGenSobelKernel_32f(f, c.k, c.dx, c.sign), rvpStsNoErr);
+        for (int i = 0; i < c.k; ++i) {
+            EXPECT_EQ(a[i], c.want[i]) << c.k << " " << c.dx << " at " << i;
+            EXPECT_EQ(f[i], static_cast<float>(c.want[i]));
+        }
+    }
+}
+
+}  // namespace
