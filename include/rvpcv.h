@@ -139,6 +139,65 @@ RVPAPI RvpStatus rvpiAbsDiffC_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* p
 /* ---- Corner responses ------------------------------------------------- */
 
 /* ---- Integral images and rectangle deviation -------------------------- */
+/* Upright summed-area table of an 8-bit image: (W+1) x (H+1) elements, row 0
+ * and column 0 hold val, table[y+1][x+1] = table[y][x+1] + sum of row y up to
+ * x. 32s wraps; 32f adds the integer row sum to the row above in float.
+ * Table steps of at least 4W+4 bytes, multiples of 4.
+ * Statuses: NullPtr, Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiIntegral_8u32s_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                        RvpiSize roiSize, Rvp32s val);
+RVPAPI RvpStatus rvpiIntegral_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                        RvpiSize roiSize, Rvp32f val);
+/* Sum table and table of squares in one pass (squares start at valSqr; the
+ * 64f table needs steps of at least 8W+8 bytes, multiples of 8).
+ * Statuses: NullPtr, Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiSqrIntegral_8u32s_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                           Rvp32s* pSqr, int sqrStep, RvpiSize roiSize, Rvp32s val, Rvp32s valSqr);
+RVPAPI RvpStatus rvpiSqrIntegral_8u32s64f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                              Rvp64f* pSqr, int sqrStep, RvpiSize roiSize, Rvp32s val,
+                                              Rvp64f valSqr);
+RVPAPI RvpStatus rvpiSqrIntegral_8u32f64f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              Rvp64f* pSqr, int sqrStep, RvpiSize roiSize, Rvp32f val,
+                                              Rvp64f valSqr);
+/* 45-degree table: (W+2) x (H+2) elements, rows 0 and 1 hold val. The 32f
+ * forms add column W onto the destination's previous content (pass a zeroed
+ * column W); rvpiTiltedSqrIntegral_8u32s_C1R reads the sample just right of
+ * each source row (one byte past the image on the last row). Table steps of
+ * at least 4W+8 (8W+16 for 64f) bytes. Statuses: NullPtr, Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiTiltedIntegral_8u32s_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                              RvpiSize roiSize, Rvp32s val);
+RVPAPI RvpStatus rvpiTiltedIntegral_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, Rvp32f val);
+RVPAPI RvpStatus rvpiTiltedSqrIntegral_8u32s_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                                 Rvp32s* pSqr, int sqrStep, RvpiSize roiSize, Rvp32s val,
+                                                 Rvp32s valSqr);
+RVPAPI RvpStatus rvpiTiltedSqrIntegral_8u32s64f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32s* pDst, int dstStep,
+                                                    Rvp64f* pSqr, int sqrStep, RvpiSize roiSize, Rvp32s val,
+                                                    Rvp64f valSqr);
+RVPAPI RvpStatus rvpiTiltedSqrIntegral_8u32f64f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                    Rvp64f* pSqr, int sqrStep, RvpiSize roiSize, Rvp32f val,
+                                                    Rvp64f valSqr);
+/* Standard deviation of the pixels under rect (relative to each output
+ * position) from a sum table and a square table; roiSize is the output size.
+ * Sfs forms scale by 2^-scaleFactor, add 0.5 and truncate (out of range gives
+ * INT_MIN). The tilted forms measure rect along the diagonals and do not
+ * check that the rectangle stays right of column 0. Statuses: NullPtr, Size,
+ * Step, NotEvenStep, then Size for a rectangle with x or y below 0 or an
+ * empty side. rvpiRectStdDev_32f_C1R runs in row bands. */
+RVPAPI RvpStatus rvpiRectStdDev_32s_C1RSfs(const Rvp32s* pSrc, int srcStep, const Rvp32s* pSqr, int sqrStep,
+                                           Rvp32s* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect,
+                                           int scaleFactor);
+RVPAPI RvpStatus rvpiRectStdDev_32s32f_C1R(const Rvp32s* pSrc, int srcStep, const Rvp64f* pSqr, int sqrStep,
+                                           Rvp32f* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect);
+RVPAPI RvpStatus rvpiRectStdDev_32f_C1R(const Rvp32f* pSrc, int srcStep, const Rvp64f* pSqr, int sqrStep,
+                                        Rvp32f* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect);
+RVPAPI RvpStatus rvpiTiltedRectStdDev_32s_C1RSfs(const Rvp32s* pSrc, int srcStep, const Rvp32s* pSqr, int sqrStep,
+                                                 Rvp32s* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect,
+                                                 int scaleFactor);
+RVPAPI RvpStatus rvpiTiltedRectStdDev_32s32f_C1R(const Rvp32s* pSrc, int srcStep, const Rvp64f* pSqr, int sqrStep,
+                                                 Rvp32f* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect);
+RVPAPI RvpStatus rvpiTiltedRectStdDev_32f_C1R(const Rvp32f* pSrc, int srcStep, const Rvp64f* pSqr, int sqrStep,
+                                              Rvp32f* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect);
 
 /* ---- Haar classifiers ------------------------------------------------- */
 
