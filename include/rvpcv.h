@@ -200,6 +200,80 @@ RVPAPI RvpStatus rvpiTiltedRectStdDev_32f_C1R(const Rvp32f* pSrc, int srcStep, c
                                               Rvp32f* pDst, int dstStep, RvpiSize roiSize, RvpiRect rect);
 
 /* ---- Haar classifiers ------------------------------------------------- */
+/* One compiled stage of a cascade of rectangle features (opaque; one block
+ * released by the matching Free function). The 32s state holds integer
+ * weights, thresholds and contributions, the 32f state float ones. */
+typedef struct RvpiHaarClassifier_32f RvpiHaarClassifier_32f;
+typedef struct RvpiHaarClassifier_32s RvpiHaarClassifier_32s;
+
+/* Builds a stage from `length` classifiers: classifier i has pNum[i]
+ * rectangles (taken in turn from pFeature/pWeight), a threshold and the
+ * contributions pVal1 (sum below threshold x norm) and pVal2. Records are
+ * reordered: two-rectangle classifiers first, then three, then the rest.
+ * Statuses: NullPtr, Size (length < 0 or a count < 1), BadArg (a rectangle
+ * with x or y below 0 or an empty side; the 32s form then sets *ppState to
+ * null), MemAlloc. */
+RVPAPI RvpStatus rvpiHaarClassifierInitAlloc_32f(RvpiHaarClassifier_32f** ppState, const RvpiRect* pFeature,
+                                                 const Rvp32f* pWeight, const Rvp32f* pThreshold, const Rvp32f* pVal1,
+                                                 const Rvp32f* pVal2, const int* pNum, int length);
+RVPAPI RvpStatus rvpiHaarClassifierInitAlloc_32s(RvpiHaarClassifier_32s** ppState, const RvpiRect* pFeature,
+                                                 const Rvp32s* pWeight, const Rvp32s* pThreshold, const Rvp32s* pVal1,
+                                                 const Rvp32s* pVal2, const int* pNum, int length);
+/* The same with 45-degree rectangles, in the caller's order; a rectangle
+ * with x + 1 < height is also refused (BadArg, *ppState set to null). */
+RVPAPI RvpStatus rvpiTiltedHaarClassifierInitAlloc_32f(RvpiHaarClassifier_32f** ppState, const RvpiRect* pFeature,
+                                                       const Rvp32f* pWeight, const Rvp32f* pThreshold,
+                                                       const Rvp32f* pVal1, const Rvp32f* pVal2, const int* pNum,
+                                                       int length);
+RVPAPI RvpStatus rvpiTiltedHaarClassifierInitAlloc_32s(RvpiHaarClassifier_32s** ppState, const RvpiRect* pFeature,
+                                                       const Rvp32s* pWeight, const Rvp32s* pThreshold,
+                                                       const Rvp32s* pVal1, const Rvp32s* pVal2, const int* pNum,
+                                                       int length);
+/* Releases a state. Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiHaarClassifierFree_32f(RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiHaarClassifierFree_32s(RvpiHaarClassifier_32s* pState);
+/* Window a stage reaches: the largest right and bottom corner coordinates.
+ * Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiGetHaarClassifierSize_32f(const RvpiHaarClassifier_32f* pState, RvpiSize* pSize);
+RVPAPI RvpStatus rvpiGetHaarClassifierSize_32s(const RvpiHaarClassifier_32s* pState, RvpiSize* pSize);
+/* Turns the classifiers selected by pMask (one byte per classifier, caller's
+ * order) into tilted ones; once per state. The 32s form is meant for square
+ * rectangles. Statuses: NullPtr, BadArg (the state already holds tilted
+ * rectangles). */
+RVPAPI RvpStatus rvpiTiltHaarFeatures_32f(const Rvp8u* pMask, int flag, RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiTiltHaarFeatures_32s(const Rvp8u* pMask, int flag, RvpiHaarClassifier_32s* pState);
+/* Runs a stage at every position whose pMask byte is non-zero; clears the
+ * byte where the score is below threshold and writes the number of
+ * survivors to *pPositive. pSrc points at the table element of the first
+ * position; pNorm holds the per-position normalisation. The 32s form ignores
+ * scaleFactor. Statuses: NullPtr, Size, Step, NotEvenStep, MemAlloc. */
+RVPAPI RvpStatus rvpiApplyHaarClassifier_32f_C1R(const Rvp32f* pSrc, int srcStep, const Rvp32f* pNorm, int normStep,
+                                                 Rvp8u* pMask, int maskStep, RvpiSize roiSize, int* pPositive,
+                                                 Rvp32f threshold, RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiApplyHaarClassifier_32s32f_C1R(const Rvp32s* pSrc, int srcStep, const Rvp32f* pNorm,
+                                                    int normStep, Rvp8u* pMask, int maskStep, RvpiSize roiSize,
+                                                    int* pPositive, Rvp32f threshold, RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiApplyHaarClassifier_32s_C1RSfs(const Rvp32s* pSrc, int srcStep, const Rvp32s* pNorm,
+                                                    int normStep, Rvp8u* pMask, int maskStep, RvpiSize roiSize,
+                                                    int* pPositive, Rvp32s threshold, RvpiHaarClassifier_32s* pState,
+                                                    int scaleFactor);
+/* The same for stages mixing upright and tilted classifiers: tilted records
+ * read pTilt (a tilted table, at the element of the first position). The
+ * 32s form scales the weighted sums by 2^-scaleFactor. Statuses: NullPtr,
+ * Size, Step, NotEvenStep, BadArg (scaleFactor > 0). */
+RVPAPI RvpStatus rvpiApplyMixedHaarClassifier_32f_C1R(const Rvp32f* pSrc, int srcStep, const Rvp32f* pTilt,
+                                                      int tiltStep, const Rvp32f* pNorm, int normStep, Rvp8u* pMask,
+                                                      int maskStep, RvpiSize roiSize, int* pPositive,
+                                                      Rvp32f threshold, RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiApplyMixedHaarClassifier_32s32f_C1R(const Rvp32s* pSrc, int srcStep, const Rvp32s* pTilt,
+                                                         int tiltStep, const Rvp32f* pNorm, int normStep,
+                                                         Rvp8u* pMask, int maskStep, RvpiSize roiSize, int* pPositive,
+                                                         Rvp32f threshold, RvpiHaarClassifier_32f* pState);
+RVPAPI RvpStatus rvpiApplyMixedHaarClassifier_32s_C1RSfs(const Rvp32s* pSrc, int srcStep, const Rvp32s* pTilt,
+                                                         int tiltStep, const Rvp32s* pNorm, int normStep,
+                                                         Rvp8u* pMask, int maskStep, RvpiSize roiSize, int* pPositive,
+                                                         Rvp32s threshold, RvpiHaarClassifier_32s* pState,
+                                                         int scaleFactor);
 
 #ifdef __cplusplus
 }
