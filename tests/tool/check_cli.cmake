@@ -40,3 +40,13 @@ expect(1 "cannot write" absdiff "${WORK}/small.pgm" "${WORK}/small.pgm" "${WORK}
 expect(2 "usage: rvpcv absdiff" absdiff "${WORK}/small.pgm")
 expect(2 "unknown command" frobnicate)
 expect(2 "--threads" --threads 0 absdiff)
+
+# integral: table and deviation pictures; a square larger than the image fails.
+expect(0 "" integral "${WORK}/demo/scene.png" "${WORK}/table.png" "${WORK}/dev.png" 9)
+foreach(f demo/integral.png demo/rectstddev.png table.png dev.png)
+  if(NOT EXISTS "${WORK}/${f}")
+    message(FATAL_ERROR "integral did not write ${f}")
+  endif()
+endforeach()
+expect(1 "smaller than the 3x3 square" integral "${WORK}/small.pgm" "${WORK}/t.png" "${WORK}/d.png" 3)
+expect(2 "SIDE must be" integral "${WORK}/small.pgm" "${WORK}/t.png" "${WORK}/d.png" 0)
