@@ -30,94 +30,54 @@ struct Src {
 
 inline int32_t wrap(int64_t v) { return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(v))); }
 
-// ---- Upright --------------------------------------------------------------------
-inline Table<int32_t> upright32s(const Src& s, int32_t val, bool squares) {
-    Table<int32_t> t(s.w + 1, s.h + 1, val);
+// ---- Builders ---------------------------------------------------------------------
+// Upright table of T (int32_t wraps, float adds the integer row sum in float,
+// double carries a double row sum).
+template <class T> Table<T> upright(const Src& s, T val, bool squares) {
+    Table<T> t(s.w + 1, s.h + 1, val);
     for (int y = 0; y < s.h; ++y) {
         int32_t run = 0;
+        double runD = 0;
         for (int x = 0; x < s.w; ++x) {
-            const int p = s(x, y);
-            run = wrap(int64_t(run) + (squares ? p * p : p));
-            t.at(x + 1, y + 1) = wrap(int64_t(t.at(x + 1, y)) + run);
+            const int q = squares ? s(x, y) * s(x, y) : s(x, y);
+            run = wrap(int64_t(run) + q);
+            runD += q;
+            T& out = t.at(x + 1, y + 1);
+            const T above = t.at(x + 1, y);
+            if constexpr (std::is_same<T, double>::value) out = above + runD;
+            else if constexpr (std::is_same<T, float>::value) out = above + static_cast<float>(run);
+            else out = wrap(int64_t(above) + run);
         }
     }
     return t;
 }
 
-inline Table<float> upright32f(const Src& s, float val) {
-    Table<float> t(s.w + 1, s.h + 1, val);
-    for (int y = 0; y < s.h; ++y) {
-        int32_t run = 0;
-        for (int x = 0; x < s.w; ++x) {
-            run = wrap(int64_t(run) + s(x, y));
-            t.at(x + 1, y + 1) = t.at(x + 1, y) + static_cast<float>(run);
-        }
-    }
-    return t;
-}
-
-inline Table<double> uprightSqr64f(const Src& s, double val) {
-    Table<double> t(s.w + 1, s.h + 1, val);
-    for (int y = 0; y < s.h; ++y) {
-        double run = 0;
-        for (int x = 0; x < s.w; ++x) {
-            const int p = s(x, y);
-            run += static_cast<double>(p * p);
-            t.at(x + 1, y + 1) = t.at(x + 1, y) + run;
-        }
-    }
-    return t;
-}
-
-// ---- Tilted ---------------------------------------------------------------------
-// pastEdge: the inner rule runs through column W (reads s(W)).
-inline Table<int32_t> tilted32s(const Src& s, int32_t val, bool squares, bool pastEdge) {
+// Tilted table. pastEdge: the inner rule runs through column W (reads s(W)).
+// old: the float destination before the call, whose column W is added to.
+template <class T> Table<T> tilted(const Src& s, T val, bool squares, bool pastEdge, const Table<T>* old = nullptr) {
     const int W = s.w;
-    Table<int32_t> t(W + 2, s.h + 2, val);
-    auto f = [&](int x, int y) { const int p = s(x, y); return int64_t(squares ? p * p : p); };
+    Table<T> t(W + 2, s.h + 2, val);
     for (int y = 0; y < s.h; ++y) {
         const int r = y + 2;
-        t.at(0, r) = t.at(1, r - 1);
+        auto P = [&](int x) { return t.at(x, r - 1); };
+        auto P2 = [&](int x) { return t.at(x, r - 2); };
+        auto f = [&](int x) { return squares ? s(x, y) * s(x, y) : s(x, y); };
+        t.at(0, r) = P(1);
         for (int x = 1; x <= W; ++x) {
-            int64_t v = int64_t(t.at(x - 1, r - 1)) + t.at(x + 1, r - 1) - t.at(x, r - 2) + f(x - 1, y);
-            if (x < W || pastEdge) v += f(x, y);
-            t.at(x, r) = wrap(v);
+            const bool inner = x < W || pastEdge;
+            T& out = t.at(x, r);
+            if constexpr (std::is_same<T, int32_t>::value) {
+                out = wrap(int64_t(P(x - 1)) + P(x + 1) - P2(x) + f(x - 1) + (inner ? f(x) : 0));
+            } else if constexpr (std::is_same<T, float>::value) {
+                const double dp = P(x - 1), dn = P(x + 1), d2 = P2(x);
+                out = inner ? static_cast<float>((((dp - d2) + dn) + f(x - 1)) + f(x))
+                            : old->at(W, r) + static_cast<float>(((f(W - 1) + dp) + dn) - d2);
+            } else {
+                out = inner ? ((static_cast<double>(f(x - 1) + f(x)) + P(x - 1)) - P2(x)) + P(x + 1)
+                            : ((static_cast<double>(f(W - 1)) + P(W - 1)) + P(W + 1)) - P2(W);
+            }
         }
-        t.at(W + 1, r) = t.at(W, r - 1);
-    }
-    return t;
-}
-
-// old: the destination's content before the call (column W is added to it).
-inline Table<float> tilted32f(const Src& s, float val, const Table<float>& old) {
-    const int W = s.w;
-    Table<float> t(W + 2, s.h + 2, val);
-    for (int y = 0; y < s.h; ++y) {
-        const int r = y + 2;
-        const auto P = [&](int x) { return static_cast<double>(t.at(x, r - 1)); };
-        const auto P2 = [&](int x) { return static_cast<double>(t.at(x, r - 2)); };
-        t.at(0, r) = t.at(1, r - 1);
-        for (int x = 1; x < W; ++x)
-            t.at(x, r) = static_cast<float>((((P(x - 1) - P2(x)) + P(x + 1)) + s(x - 1, y)) + s(x, y));
-        const float e = static_cast<float>(((s(W - 1, y) + P(W - 1)) + P(W + 1)) - P2(W));
-        t.at(W, r) = old.at(W, r) + e;
-        t.at(W + 1, r) = t.at(W, r - 1);
-    }
-    return t;
-}
-
-inline Table<double> tiltedSqr64f(const Src& s, double val) {
-    const int W = s.w;
-    Table<double> t(W + 2, s.h + 2, val);
-    for (int y = 0; y < s.h; ++y) {
-        const int r = y + 2;
-        const auto P = [&](int x) { return t.at(x, r - 1); };
-        const auto P2 = [&](int x) { return t.at(x, r - 2); };
-        const auto q = [&](int x) { return s(x, y) * s(x, y); };
-        t.at(0, r) = t.at(1, r - 1);
-        for (int x = 1; x < W; ++x) t.at(x, r) = ((static_cast<double>(q(x - 1) + q(x)) + P(x - 1)) - P2(x)) + P(x + 1);
-        t.at(W, r) = ((static_cast<double>(q(W - 1)) + P(W - 1)) + P(W + 1)) - P2(W);
-        t.at(W + 1, r) = t.at(W, r - 1);
+        t.at(W + 1, r) = P(W);
     }
     return t;
 }
