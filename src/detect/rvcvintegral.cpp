@@ -24,10 +24,10 @@ template <class T> struct TableArg {
     T v;
 };
 
-template <class T> UprightRow<T> uprightKernel(const IntegralKernels& k, bool squares);
-template <> UprightRow<Rvp32s> uprightKernel(const IntegralKernels& k, bool sq) { return sq ? k.sqr32s : k.sum32s; }
-template <> UprightRow<Rvp32f> uprightKernel(const IntegralKernels& k, bool) { return k.sum32f; }
-template <> UprightRow<Rvp64f> uprightKernel(const IntegralKernels& k, bool) { return k.sqr64f; }
+template <class T> UprightPair<T> uprightKernel(const IntegralKernels& k, bool squares);
+template <> UprightPair<Rvp32s> uprightKernel(const IntegralKernels& k, bool sq) { return sq ? k.sqr32s : k.sum32s; }
+template <> UprightPair<Rvp32f> uprightKernel(const IntegralKernels& k, bool) { return k.sum32f; }
+template <> UprightPair<Rvp64f> uprightKernel(const IntegralKernels& k, bool) { return k.sqr64f; }
 
 template <class T> TiltedRow<T> tiltedKernel(const IntegralKernels& k, bool squares, bool past);
 template <> TiltedRow<Rvp32s> tiltedKernel(const IntegralKernels& k, bool sq, bool past) {
@@ -37,24 +37,28 @@ template <> TiltedRow<Rvp32f> tiltedKernel(const IntegralKernels& k, bool, bool)
 template <> TiltedRow<Rvp64f> tiltedKernel(const IntegralKernels& k, bool, bool) { return k.tiltSqr64f; }
 
 // Upright: row 0 and column 0 hold the start value; each row is the row
-// above plus the running sum of the source row.
+// above plus the running sum of the source row. Rows go in pairs, the
+// second row of a pair built from the first in registers; the square table
+// follows the sum table pair by pair, so the source is read while cached.
+template <class T> void uprightPair(const Rvp8u* const* s, int n, int y, int w, TableArg<T> t, UprightPair<T> k) {
+    T* rows[2] = {rowPtr(t.p, t.step, y + 1), rowPtr(t.p, t.step, y + n)};
+    rows[0][0] = rows[1][0] = t.v;
+    T* out[2] = {rows[0] + 1, rows[1] + 1};
+    (n == 2 ? k.two : k.one)(s, w, rowPtr(t.p, t.step, y) + 1, out);
+}
+
 template <class S, class Q>
 void buildUpright(const Rvp8u* src, int srcStep, RvpiSize roi, TableArg<S> sum, TableArg<Q>* sqr) {
-    const int w = roi.width;
     const IntegralKernels& k = kernels();
-    const UprightRow<S> sumRow = uprightKernel<S>(k, false);
-    const UprightRow<Q> sqrRow = uprightKernel<Q>(k, true);
-    fillRow(sum.p, w + 1, sum.v);
-    if (sqr) fillRow(sqr->p, w + 1, sqr->v);
-    for (int y = 0; y < roi.height; ++y) {
-        const Rvp8u* s = rowPtr(src, srcStep, y);
-        S* cur = rowPtr(sum.p, sum.step, y + 1);
-        cur[0] = sum.v;
-        sumRow(s, w, rowPtr(sum.p, sum.step, y) + 1, cur + 1);
-        if (!sqr) continue;
-        Q* curQ = rowPtr(sqr->p, sqr->step, y + 1);
-        curQ[0] = sqr->v;
-        sqrRow(s, w, rowPtr(sqr->p, sqr->step, y) + 1, curQ + 1);
+    const UprightPair<S> sumRows = uprightKernel<S>(k, false);
+    const UprightPair<Q> sqrRows = uprightKernel<Q>(k, true);
+    fillRow(sum.p, roi.width + 1, sum.v);
+    if (sqr) fillRow(sqr->p, roi.width + 1, sqr->v);
+    for (int y = 0; y < roi.height; y += 2) {
+        const int n = roi.height - y >= 2 ? 2 : 1;
+        const Rvp8u* s[2] = {rowPtr(src, srcStep, y), rowPtr(src, srcStep, y + n - 1)};
+        uprightPair(s, n, y, roi.width, sum, sumRows);
+        if (sqr) uprightPair(s, n, y, roi.width, *sqr, sqrRows);
     }
 }
 

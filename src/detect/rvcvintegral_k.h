@@ -19,15 +19,8 @@ namespace {
 
 inline int32_t wrapAdd(int32_t a, uint32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) + b); }
 
-inline void storeRun(Rvp32s* cur, const Rvp32s* prev, __m128i run) {
-    const __m128i p = _mm_loadu_si128(reinterpret_cast<const __m128i*>(prev));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(cur), _mm_add_epi32(p, run));
-}
-inline void storeRun(Rvp32f* cur, const Rvp32f* prev, __m128i run) {
-    _mm_storeu_ps(cur, _mm_add_ps(_mm_loadu_ps(prev), _mm_cvtepi32_ps(run)));
-}
-inline Rvp32s addRun(Rvp32s prev, int32_t run) { return wrapAdd(prev, static_cast<uint32_t>(run)); }
-inline Rvp32f addRun(Rvp32f prev, int32_t run) { return prev + static_cast<Rvp32f>(run); }
+inline Rvp32s addRun(Rvp32s above, int32_t run) { return wrapAdd(above, static_cast<uint32_t>(run)); }
+inline Rvp32f addRun(Rvp32f above, int32_t run) { return above + static_cast<Rvp32f>(run); }
 
 inline __m128i pixels8(const Rvp8u* s) {
     return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(s)), _mm_setzero_si128());
@@ -55,6 +48,20 @@ template <bool Sq> inline void block8(const Rvp8u* s, __m128i& lo, __m128i& hi) 
     hi = _mm_add_epi32(hi, _mm_shuffle_epi32(lo, 0xFF));
 }
 
+// Adds a vector of running sums onto the row above (acc) and stores it.
+inline __m128i addStore(Rvp32s* cur, __m128i acc, __m128i run) {
+    acc = _mm_add_epi32(acc, run);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cur), acc);
+    return acc;
+}
+inline __m128 addStore(Rvp32f* cur, __m128 acc, __m128i run) {
+    acc = _mm_add_ps(acc, _mm_cvtepi32_ps(run));
+    _mm_storeu_ps(cur, acc);
+    return acc;
+}
+inline __m128i load4(const Rvp32s* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline __m128 load4(const Rvp32f* p) { return _mm_loadu_ps(p); }
+
 #if defined(__AVX2__)
 inline __m256i prefix8(__m256i x) {
     x = _mm256_add_epi32(x, _mm256_slli_si256(x, 4));
@@ -72,120 +79,137 @@ template <bool Sq> inline void block16(const Rvp8u* s, __m256i& a, __m256i& b) {
         v = _mm256_mullo_epi16(v, v);
         a = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(v));
         b = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(v, 1));
-    } else {
-        a = _mm256_cvtepu8_epi32(raw);
-        b = _mm256_cvtepu8_epi32(_mm_srli_si128(raw, 8));
+        a = prefix8(a);
+        b = prefix8(b);
+    } else {  // eight-pixel running sums fit 16 bits: shifted adds on 16 lanes at once
+        __m256i v = _mm256_cvtepu8_epi16(raw);
+        v = _mm256_add_epi16(v, _mm256_slli_si256(v, 2));
+        v = _mm256_add_epi16(v, _mm256_slli_si256(v, 4));
+        v = _mm256_add_epi16(v, _mm256_slli_si256(v, 8));
+        a = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(v));
+        b = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(v, 1));
     }
-    a = prefix8(a);
-    b = _mm256_add_epi32(prefix8(b), _mm256_permutevar8x32_epi32(a, _mm256_set1_epi32(7)));
+    b = _mm256_add_epi32(b, _mm256_permutevar8x32_epi32(a, _mm256_set1_epi32(7)));
 }
 
-inline void storeRun8(Rvp32s* cur, const Rvp32s* prev, __m256i run) {
-    const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(prev));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(cur), _mm256_add_epi32(p, run));
+inline __m256i addStore(Rvp32s* cur, __m256i acc, __m256i run) {
+    acc = _mm256_add_epi32(acc, run);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(cur), acc);
+    return acc;
 }
-inline void storeRun8(Rvp32f* cur, const Rvp32f* prev, __m256i run) {
-    _mm256_storeu_ps(cur, _mm256_add_ps(_mm256_loadu_ps(prev), _mm256_cvtepi32_ps(run)));
+inline __m256 addStore(Rvp32f* cur, __m256 acc, __m256i run) {
+    acc = _mm256_add_ps(acc, _mm256_cvtepi32_ps(run));
+    _mm256_storeu_ps(cur, acc);
+    return acc;
 }
+inline __m256i load8(const Rvp32s* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+inline __m256 load8(const Rvp32f* p) { return _mm256_loadu_ps(p); }
 #endif
 
-#if defined(__AVX2__)
-// Lane-local running sums of 8 + 8 pixels in 16 bits (at most 2040).
-inline __m256i prefix16x8(__m256i v) {
-    v = _mm256_add_epi16(v, _mm256_slli_si256(v, 2));
-    v = _mm256_add_epi16(v, _mm256_slli_si256(v, 4));
-    return _mm256_add_epi16(v, _mm256_slli_si256(v, 8));
-}
-#endif
-
-// A row of a 32-bit or float table over wrapping 32-bit running sums.
-template <bool Sq, class T> void uprightRow32(const Rvp8u* s, int w, const T* prev, T* cur) {
+// R consecutive rows of a 32-bit or float table over wrapping 32-bit running
+// sums: row r is row r-1 (prev for the first) plus the running sums of
+// source row r. Keeping the row above in registers, rather than reading it
+// back, is what makes two rows at a time pay.
+template <int R, bool Sq, class T>
+void uprightRows32(const Rvp8u* const* s, int w, const T* prev, T* const* cur) {
     int x = 0;
-    int32_t r = 0;
+    int32_t r[R] = {};
 #if defined(__AVX2__)
     {
-        __m256i run = _mm256_setzero_si256();
+        __m256i run[R];
+        for (int k = 0; k < R; ++k) run[k] = _mm256_setzero_si256();
         const __m256i last = _mm256_set1_epi32(7);
-        if (!Sq) {
-            // 32 pixels a step: four groups of eight, each with its own
-            // running sums, then the group totals carried along.
-            for (; x + 32 <= w; x += 32) {
-                const __m256i a = prefix16x8(_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + x))));
-                const __m256i b = prefix16x8(_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + x + 16))));
-                __m256i g[4] = {_mm256_cvtepu16_epi32(_mm256_castsi256_si128(a)),
-                                _mm256_cvtepu16_epi32(_mm256_extracti128_si256(a, 1)),
-                                _mm256_cvtepu16_epi32(_mm256_castsi256_si128(b)),
-                                _mm256_cvtepu16_epi32(_mm256_extracti128_si256(b, 1))};
-                for (int k = 0; k < 4; ++k) {
-                    const __m256i total = _mm256_permutevar8x32_epi32(g[k], last);
-                    storeRun8(cur + x + 8 * k, prev + x + 8 * k, _mm256_add_epi32(g[k], run));
-                    run = _mm256_add_epi32(run, total);
-                }
+        for (; x + 16 <= w; x += 16) {
+            auto acc0 = load8(prev + x);
+            auto acc1 = load8(prev + x + 8);
+            for (int k = 0; k < R; ++k) {
+                __m256i a, b;
+                block16<Sq>(s[k] + x, a, b);
+                acc0 = addStore(cur[k] + x, acc0, _mm256_add_epi32(a, run[k]));
+                acc1 = addStore(cur[k] + x + 8, acc1, _mm256_add_epi32(b, run[k]));
+                run[k] = _mm256_add_epi32(run[k], _mm256_permutevar8x32_epi32(b, last));
             }
         }
-        for (; x + 16 <= w; x += 16) {
-            __m256i a, b;
-            block16<Sq>(s + x, a, b);
-            storeRun8(cur + x, prev + x, _mm256_add_epi32(a, run));
-            storeRun8(cur + x + 8, prev + x + 8, _mm256_add_epi32(b, run));
-            run = _mm256_add_epi32(run, _mm256_permutevar8x32_epi32(b, last));
-        }
-        r = _mm256_cvtsi256_si32(run);
+        for (int k = 0; k < R; ++k) r[k] = _mm256_cvtsi256_si32(run[k]);
     }
 #endif
-    __m128i run = _mm_cvtsi32_si128(r);
-    run = _mm_shuffle_epi32(run, 0);
+    __m128i run[R];
+    for (int k = 0; k < R; ++k) run[k] = _mm_set1_epi32(r[k]);
     for (; x + 8 <= w; x += 8) {
-        __m128i lo, hi;
-        block8<Sq>(s + x, lo, hi);
-        storeRun(cur + x, prev + x, _mm_add_epi32(lo, run));
-        storeRun(cur + x + 4, prev + x + 4, _mm_add_epi32(hi, run));
-        run = _mm_add_epi32(run, _mm_shuffle_epi32(hi, 0xFF));
+        auto acc0 = load4(prev + x);
+        auto acc1 = load4(prev + x + 4);
+        for (int k = 0; k < R; ++k) {
+            __m128i lo, hi;
+            block8<Sq>(s[k] + x, lo, hi);
+            acc0 = addStore(cur[k] + x, acc0, _mm_add_epi32(lo, run[k]));
+            acc1 = addStore(cur[k] + x + 4, acc1, _mm_add_epi32(hi, run[k]));
+            run[k] = _mm_add_epi32(run[k], _mm_shuffle_epi32(hi, 0xFF));
+        }
     }
-    r = _mm_cvtsi128_si32(run);
+    for (int k = 0; k < R; ++k) r[k] = _mm_cvtsi128_si32(run[k]);
     for (; x < w; ++x) {
-        r = wrapAdd(r, Sq ? static_cast<uint32_t>(s[x] * s[x]) : s[x]);
-        cur[x] = addRun(prev[x], r);
+        T above = prev[x];
+        for (int k = 0; k < R; ++k) {
+            r[k] = wrapAdd(r[k], Sq ? static_cast<uint32_t>(s[k][x] * s[k][x]) : s[k][x]);
+            above = cur[k][x] = addRun(above, r[k]);
+        }
     }
 }
 
-// A row of a double square table. The double running sum holds an exact
-// integer, so adding block totals gives the same value as adding squares
-// one by one.
-void uprightSqr64f(const Rvp8u* s, int w, const Rvp64f* prev, Rvp64f* cur) {
+// R consecutive rows of a double square table. The double running sum
+// holds an exact integer, so adding block totals gives the same value as
+// adding squares one by one.
+template <int R> void uprightRowsSqr64f(const Rvp8u* const* s, int w, const Rvp64f* prev, Rvp64f* const* cur) {
     int x = 0;
-    double r = 0;
+    double r[R] = {};
 #if defined(__AVX2__)
     {
-        __m256d run = _mm256_setzero_pd();
+        __m256d run[R];
+        for (int k = 0; k < R; ++k) run[k] = _mm256_setzero_pd();
         for (; x + 16 <= w; x += 16) {
-            __m256i a, b;
-            block16<true>(s + x, a, b);
-            const __m256d d[4] = {_mm256_cvtepi32_pd(_mm256_castsi256_si128(a)),
-                                  _mm256_cvtepi32_pd(_mm256_extracti128_si256(a, 1)),
-                                  _mm256_cvtepi32_pd(_mm256_castsi256_si128(b)),
-                                  _mm256_cvtepi32_pd(_mm256_extracti128_si256(b, 1))};
-            for (int k = 0; k < 4; ++k)
-                _mm256_storeu_pd(cur + x + 4 * k, _mm256_add_pd(_mm256_loadu_pd(prev + x + 4 * k), _mm256_add_pd(d[k], run)));
-            run = _mm256_add_pd(run, _mm256_permute4x64_pd(d[3], 0xFF));
+            __m256d acc[4];
+            for (int q = 0; q < 4; ++q) acc[q] = _mm256_loadu_pd(prev + x + 4 * q);
+            for (int k = 0; k < R; ++k) {
+                __m256i a, b;
+                block16<true>(s[k] + x, a, b);
+                const __m256d d[4] = {_mm256_cvtepi32_pd(_mm256_castsi256_si128(a)),
+                                      _mm256_cvtepi32_pd(_mm256_extracti128_si256(a, 1)),
+                                      _mm256_cvtepi32_pd(_mm256_castsi256_si128(b)),
+                                      _mm256_cvtepi32_pd(_mm256_extracti128_si256(b, 1))};
+                for (int q = 0; q < 4; ++q) {
+                    acc[q] = _mm256_add_pd(acc[q], _mm256_add_pd(d[q], run[k]));
+                    _mm256_storeu_pd(cur[k] + x + 4 * q, acc[q]);
+                }
+                run[k] = _mm256_add_pd(run[k], _mm256_permute4x64_pd(d[3], 0xFF));
+            }
         }
-        r = _mm256_cvtsd_f64(run);
+        for (int k = 0; k < R; ++k) r[k] = _mm256_cvtsd_f64(run[k]);
     }
 #endif
-    __m128d run = _mm_set1_pd(r);
+    __m128d run[R];
+    for (int k = 0; k < R; ++k) run[k] = _mm_set1_pd(r[k]);
     for (; x + 8 <= w; x += 8) {
-        __m128i lo, hi;
-        block8<true>(s + x, lo, hi);
-        const __m128d d[4] = {_mm_cvtepi32_pd(lo), _mm_cvtepi32_pd(_mm_shuffle_epi32(lo, 0x0E)),
-                              _mm_cvtepi32_pd(hi), _mm_cvtepi32_pd(_mm_shuffle_epi32(hi, 0x0E))};
-        for (int k = 0; k < 4; ++k)
-            _mm_storeu_pd(cur + x + 2 * k, _mm_add_pd(_mm_loadu_pd(prev + x + 2 * k), _mm_add_pd(d[k], run)));
-        run = _mm_add_pd(run, _mm_unpackhi_pd(d[3], d[3]));
+        __m128d acc[4];
+        for (int q = 0; q < 4; ++q) acc[q] = _mm_loadu_pd(prev + x + 2 * q);
+        for (int k = 0; k < R; ++k) {
+            __m128i lo, hi;
+            block8<true>(s[k] + x, lo, hi);
+            const __m128d d[4] = {_mm_cvtepi32_pd(lo), _mm_cvtepi32_pd(_mm_shuffle_epi32(lo, 0x0E)),
+                                  _mm_cvtepi32_pd(hi), _mm_cvtepi32_pd(_mm_shuffle_epi32(hi, 0x0E))};
+            for (int q = 0; q < 4; ++q) {
+                acc[q] = _mm_add_pd(acc[q], _mm_add_pd(d[q], run[k]));
+                _mm_storeu_pd(cur[k] + x + 2 * q, acc[q]);
+            }
+            run[k] = _mm_add_pd(run[k], _mm_unpackhi_pd(d[3], d[3]));
+        }
     }
-    r = _mm_cvtsd_f64(run);
+    for (int k = 0; k < R; ++k) r[k] = _mm_cvtsd_f64(run[k]);
     for (; x < w; ++x) {
-        r += static_cast<double>(s[x] * s[x]);
-        cur[x] = prev[x] + r;
+        double above = prev[x];
+        for (int k = 0; k < R; ++k) {
+            r[k] += static_cast<double>(s[k][x] * s[k][x]);
+            above = cur[k][x] = above + r[k];
+        }
     }
 }
 
@@ -238,7 +262,10 @@ void tiltedSqr64f(const Rvp8u* __restrict s, int w, const Rvp64f* __restrict pre
 }  // namespace
 
 extern const IntegralKernels kIntegral = {
-    uprightRow32<false, Rvp32s>, uprightRow32<true, Rvp32s>, uprightRow32<false, Rvp32f>, uprightSqr64f,
+    {uprightRows32<1, false, Rvp32s>, uprightRows32<2, false, Rvp32s>},
+    {uprightRows32<1, true, Rvp32s>, uprightRows32<2, true, Rvp32s>},
+    {uprightRows32<1, false, Rvp32f>, uprightRows32<2, false, Rvp32f>},
+    {uprightRowsSqr64f<1>, uprightRowsSqr64f<2>},
     tiltedRow32s<false, false>,  tiltedRow32s<true, false>,  tiltedRow32s<false, true>,   tiltedRow32s<true, true>,
     tiltedRow32f,                tiltedSqr64f,
 };
