@@ -4,6 +4,8 @@
 // element rule; the float-table upright form also runs in row bands.
 #include <emmintrin.h>
 
+#include "detect/rvcvrectstddev.h"
+#include "rvcvcpu.h"
 #include "rvcvframe.h"
 
 namespace rvcv {
@@ -47,9 +49,6 @@ inline double widenedSum(const Rvp32f* p, const Corners& c) {
     return ((static_cast<double>(p[c.o[0]]) - static_cast<double>(p[c.o[1]])) - static_cast<double>(p[c.o[2]])) +
            static_cast<double>(p[c.o[3]]);
 }
-inline float floatSum(const Rvp32f* p, const Corners& c) {
-    return ((p[c.o[0]] - p[c.o[1]]) - p[c.o[2]]) + p[c.o[3]];
-}
 
 // Negative variances from rounding read as zero; NaN passes through.
 template <class T> inline T clampVariance(T v) { return v < 0 ? T(0) : v; }
@@ -92,13 +91,8 @@ struct Int32f {
     }
 };
 
-struct Upright32f {
+struct Upright32f {  // element rule in rvcvrectstddev_k.h
     using S = Rvp32f; using Q = Rvp64f; using D = Rvp32f;
-    static D at(const S* s, const Q* q, const Params& p) {
-        const double mean = floatSum(s, p.s) / p.area;
-        const double meanSqr = doubleSum(q, p.q) / static_cast<double>(p.area);
-        return sqrtF(static_cast<float>(clampVariance(meanSqr - mean * mean)));
-    }
 };
 
 struct Tilted32f {
@@ -129,36 +123,15 @@ template <class M> void deviationRows(const Tables<M>& t, int width, int y0, int
     }
 }
 
-// The float-table upright rule, four outputs a step; same operations, same
-// order, so the same bits as Upright32f::at.
-template <> void deviationRows<Upright32f>(const Tables<Upright32f>& t, int width, int y0, int rows,
-                                           const Params& p) {
-    const __m128 areaF = _mm_set1_ps(p.area);
-    const __m128d areaD = _mm_set1_pd(static_cast<double>(p.area));
-    const __m128d zero = _mm_setzero_pd();
+// The float-table upright rule runs through the per-instruction-set kernel.
+template <> void deviationRows<Upright32f>(const Tables<Upright32f>& t, int width, int y0, int rows, const Params& p) {
+    const RectStdDevKernels& k = pick(m7::kRectStdDev, avx2::kRectStdDev);
     for (int j = y0; j < y0 + rows; ++j) {
         const Rvp32f* s = rowPtr(t.src, t.srcStep, j);
         const Rvp64f* q = rowPtr(t.sqr, t.sqrStep, j);
-        Rvp32f* d = rowPtr(t.dst, t.dstStep, j);
-        const Rvp32f *s0 = s + p.s.o[0], *s1 = s + p.s.o[1], *s2 = s + p.s.o[2], *s3 = s + p.s.o[3];
-        const Rvp64f *q0 = q + p.q.o[0], *q1 = q + p.q.o[1], *q2 = q + p.q.o[2], *q3 = q + p.q.o[3];
-        int i = 0;
-        for (; i + 4 <= width; i += 4) {
-            __m128 sum = _mm_sub_ps(_mm_loadu_ps(s0 + i), _mm_loadu_ps(s1 + i));
-            sum = _mm_add_ps(_mm_sub_ps(sum, _mm_loadu_ps(s2 + i)), _mm_loadu_ps(s3 + i));
-            const __m128 mean = _mm_div_ps(sum, areaF);
-            __m128 var[2];
-            for (int k = 0; k < 2; ++k) {
-                const int o = i + 2 * k;
-                __m128d sq = _mm_sub_pd(_mm_loadu_pd(q0 + o), _mm_loadu_pd(q1 + o));
-                sq = _mm_add_pd(_mm_sub_pd(sq, _mm_loadu_pd(q2 + o)), _mm_loadu_pd(q3 + o));
-                const __m128d m = _mm_cvtps_pd(k ? _mm_movehl_ps(mean, mean) : mean);
-                const __m128d v = _mm_sub_pd(_mm_div_pd(sq, areaD), _mm_mul_pd(m, m));
-                var[k] = _mm_cvtpd_ps(_mm_max_pd(zero, v));  // zero > v ? zero : v keeps NaN
-            }
-            _mm_storeu_ps(d + i, _mm_sqrt_ps(_mm_movelh_ps(var[0], var[1])));
-        }
-        for (; i < width; ++i) d[i] = Upright32f::at(s + i, q + i, p);
+        const Rvp32f* sc[4] = {s + p.s.o[0], s + p.s.o[1], s + p.s.o[2], s + p.s.o[3]};
+        const Rvp64f* qc[4] = {q + p.q.o[0], q + p.q.o[1], q + p.q.o[2], q + p.q.o[3]};
+        k.row32f(sc, qc, rowPtr(t.dst, t.dstStep, j), width, p.area);
     }
 }
 

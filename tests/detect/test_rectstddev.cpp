@@ -135,6 +135,7 @@ TEST(RectStdDev, TiltedConstantImageHasNoDeviation) {
     }
 }
 
+// The threaded reader gives the reference bits at every thread count and level.
 TEST(RectStdDev, ThreadCountsGiveSerialResult) {
     Image<Rvp8u> src(211, 173, 1, 3);
     src.fill(Random<Rvp8u>(9));
@@ -142,8 +143,10 @@ TEST(RectStdDev, ThreadCountsGiveSerialResult) {
     t.build(src, false);
     const RvpiRect r{3, 2, 17, 11};
     const RvpiSize out{211 + 1 - 20, 173 + 1 - 13};
-    for (int n : {1, 2, 3, 8, 64}) {
+    for (int level = 0; level < 5 * static_cast<int>(isaLevels().size()); ++level) {
+        const int n = std::vector<int>{1, 2, 3, 8, 64}[level % 5];
         ScopedThreads threads(n);
+        ScopedIsa isa(isaLevels()[level / 5]);
         Image<Rvp32f> d(out.width, out.height, 1, 8);
         ASSERT_EQ(rvpiRectStdDev_32f_C1R(t.s32f.ptr(), t.s32f.step(), t.q64.ptr(), t.q64.step(), d.ptr(), d.step(), out, r), 0);
         ASSERT_TRUE(d.guardsIntact());
