@@ -61,25 +61,22 @@ struct Params {
     double scale;
 };
 
-struct UprightSfs {
-    using S = Rvp32s; using Q = Rvp32s; using D = Rvp32s;
-    static D at(const S* s, const Q* q, const Params& p) {
-        const float mean = static_cast<float>(intSum(s, p.s)) / p.area;
-        const float meanSqr = static_cast<float>(intSum(q, p.q)) / p.area;
-        const float var = clampVariance(meanSqr - mean * mean);
-        return truncate32(sqrtD(static_cast<double>(var)) * p.scale + 0.5);
-    }
-};
+// The Sfs forms: Var is the precision of the means' product, the
+// subtraction and the clamp, Root that of the square root.
+inline float rootOf(float v) { return sqrtF(v); }
+inline double rootOf(double v) { return sqrtD(v); }
 
-struct TiltedSfs {
+template <class Var, class Root> struct SfsRule {
     using S = Rvp32s; using Q = Rvp32s; using D = Rvp32s;
     static D at(const S* s, const Q* q, const Params& p) {
-        const double mean = static_cast<float>(intSum(s, p.s)) / p.area;
-        const double meanSqr = static_cast<float>(intSum(q, p.q)) / p.area;
-        const double var = clampVariance(meanSqr - mean * mean);
-        return truncate32(static_cast<double>(sqrtF(static_cast<float>(var))) * p.scale + 0.5);
+        const Var mean = static_cast<float>(intSum(s, p.s)) / p.area;
+        const Var meanSqr = static_cast<float>(intSum(q, p.q)) / p.area;
+        const Root root = rootOf(static_cast<Root>(clampVariance(meanSqr - mean * mean)));
+        return truncate32(static_cast<double>(root) * p.scale + 0.5);
     }
 };
+using UprightSfs = SfsRule<float, double>;
+using TiltedSfs = SfsRule<double, float>;
 
 // Upright and tilted alike: the corner order in Params does the difference.
 struct Int32f {
