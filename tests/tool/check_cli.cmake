@@ -66,3 +66,13 @@ expect(2 "--alpha takes" accumulate --alpha 1.5 "${WORK}/avg.png" "${WORK}/demo/
 expect(2 "usage: rvpcv accumulate" accumulate "${WORK}/avg.png")
 expect(1 "differs in size" accumulate "${WORK}/avg.png" "${WORK}/small.pgm" "${WORK}/demo/scene.png")
 expect(2 "--threads" --threads 0 absdiff)
+
+# integral: table and deviation pictures; a square larger than the image fails.
+expect(0 "" integral "${WORK}/demo/scene.png" "${WORK}/table.png" "${WORK}/dev.png" 9)
+foreach(f demo/integral.png demo/rectstddev.png table.png dev.png)
+  if(NOT EXISTS "${WORK}/${f}")
+    message(FATAL_ERROR "integral did not write ${f}")
+  endif()
+endforeach()
+expect(1 "smaller than the 3x3 square" integral "${WORK}/small.pgm" "${WORK}/t.png" "${WORK}/d.png" 3)
+expect(2 "SIDE must be" integral "${WORK}/small.pgm" "${WORK}/t.png" "${WORK}/d.png" 0)

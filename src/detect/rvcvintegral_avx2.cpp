@@ -1,0 +1,3 @@
+// Summed-area table row kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "detect/rvcvintegral_k.h"

@@ -1,0 +1,3 @@
+// Rectangle deviation row kernel for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "detect/rvcvrectstddev_k.h"
