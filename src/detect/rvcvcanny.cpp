@@ -1,0 +1,166 @@
+// Canny edge detector over caller-computed derivatives: L1 magnitude, four-
+// sector non-maximum suppression and hysteresis from a stack of seeds, all in
+// one caller buffer and on the calling thread. The candidate map carries a
+// one-byte frame of zeros, which is the whole treatment of the image's edges.
+#include <xmmintrin.h>
+
+#include <cstring>
+
+#include "rvcvcanny.h"
+#include "rvcvframe.h"
+
+namespace rvcv {
+namespace {
+
+// Stack entries are 16-bit while both sides stay below this, else 32-bit.
+constexpr int kCannyWideLimit = 0xfffd;
+
+bool narrowStack(RvpiSize roi) { return roi.width < kCannyWideLimit && roi.height < kCannyWideLimit; }
+
+template <class P> P* alignUp32(P* p) {
+    return reinterpret_cast<P*>((reinterpret_cast<uintptr_t>(p) + 31) & ~static_cast<uintptr_t>(31));
+}
+
+// Thresholds of the 16s form are truncated to integers the way the
+// processor converts (a NaN or an out-of-range value gives INT_MIN).
+inline Rvp32s truncateThreshold(Rvp32f t) { return _mm_cvtt_ss2si(_mm_set_ss(t)); }
+
+template <class T> struct Form;
+template <> struct Form<Rvp16s> {
+    using M = Rvp32s;
+    static M thresh(Rvp32f t) { return truncateThreshold(t); }
+    static void mag(const CannyKernels& k, const Rvp16s* dx, const Rvp16s* dy, M* out, int w, M low) {
+        k.mag16s(dx, dy, out, w, low);
+    }
+    template <class E> static CannyNms<Rvp16s, M, E> nms(const CannyKernels& k);
+};
+template <> struct Form<Rvp32f> {
+    using M = Rvp32f;
+    static M thresh(Rvp32f t) { return t; }
+    static void mag(const CannyKernels& k, const Rvp32f* dx, const Rvp32f* dy, M* out, int w, M low) {
+        k.mag32f(dx, dy, out, w, low);
+    }
+    template <class E> static CannyNms<Rvp32f, M, E> nms(const CannyKernels& k);
+};
+template <> CannyNms<Rvp16s, Rvp32s, Rvp16u> Form<Rvp16s>::nms<Rvp16u>(const CannyKernels& k) { return k.nms16s16u; }
+template <> CannyNms<Rvp16s, Rvp32s, Rvp32s> Form<Rvp16s>::nms<Rvp32s>(const CannyKernels& k) { return k.nms16s32s; }
+template <> CannyNms<Rvp32f, Rvp32f, Rvp16u> Form<Rvp32f>::nms<Rvp16u>(const CannyKernels& k) { return k.nms32f16u; }
+template <> CannyNms<Rvp32f, Rvp32f, Rvp32s> Form<Rvp32f>::nms<Rvp32s>(const CannyKernels& k) { return k.nms32f32s; }
+
+// Grows edges from the seeds on the stack through 8-connected candidates.
+// A pixel is pushed only while its output byte is still 0, so each pixel
+// enters the stack once at most.
+template <class E>
+void hysteresis(const E* base, E* top, const Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst, int dstStep) {
+    const ptrdiff_t offs[8][2] = {{-1, -1}, {-1, 0}, {-1, 1}, {0, -1}, {0, 1}, {1, -1}, {1, 0}, {1, 1}};
+    while (top != base) {
+        top -= 2;
+        const int y = top[0], x = top[1];
+        const Rvp8u* m = map + (y + 1) * mapStep + (x + 1);
+        for (const auto& o : offs) {
+            if ((m[o[0] * mapStep + o[1]] & 0x80) == 0) continue;
+            const int ny = y + static_cast<int>(o[0]), nx = x + static_cast<int>(o[1]);
+            Rvp8u* d = rowPtr(dst, dstStep, ny) + nx;
+            if (*d != 0) continue;
+            *d = 0xFF;
+            top[0] = static_cast<E>(ny);
+            top[1] = static_cast<E>(nx);
+            top += 2;
+        }
+    }
+}
+
+template <class T, class E>
+void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi,
+            typename Form<T>::M low, typename Form<T>::M high, Rvp8u* pBuffer) {
+    using M = typename Form<T>::M;
+    const CannyKernels& k = m7::kCanny;
+    const auto nms = Form<T>::template nms<E>(k);
+    const int w = roi.width, h = roi.height;
+    const ptrdiff_t mapStep = static_cast<ptrdiff_t>(w) + 2;
+    const ptrdiff_t mapBytes = mapStep * (static_cast<ptrdiff_t>(h) + 2);
+
+    Rvp8u* map = alignUp32(pBuffer);
+    M* ring = reinterpret_cast<M*>(alignUp32(map + mapBytes) + 12);
+    E* stack = reinterpret_cast<E*>(reinterpret_cast<Rvp8u*>(ring) + 16 * mapStep);
+    M* rows[4];
+    for (int i = 0; i < 4; ++i) rows[i] = ring + i * mapStep + 1;  // image column 0
+
+    // Plain fills for now; the shared fill and zero primitives take over once they land.
+    if (dstStep == w) {
+        std::memset(pDst, 0, static_cast<size_t>(w) * static_cast<size_t>(h));
+    } else {
+        for (int y = 0; y < h; ++y) std::memset(rowPtr(pDst, dstStep, y), 0, static_cast<size_t>(w));
+    }
+    std::memset(map, 0, static_cast<size_t>(mapBytes));
+    std::memset(ring, 0, static_cast<size_t>(16 * mapStep));
+
+    auto magRow = [&](int y) {
+        Form<T>::mag(k, rowPtr(pDx, dxStep, y), rowPtr(pDy, dyStep, y), rows[(y + 1) & 3], w, low);
+    };
+    E* top = stack;
+    auto suppressRow = [&](int y) {
+        top = nms(rowPtr(pDx, dxStep, y), rowPtr(pDy, dyStep, y), rows[y & 3], rows[(y + 1) & 3],
+                  rows[(y + 2) & 3], map + (y + 1) * mapStep + 1, top, high, rowPtr(pDst, dstStep, y), w, y);
+    };
+
+    // Magnitude runs two rows ahead of suppression; ring row 0 starts as the
+    // zero row above the image, and the row after the last one is cleared to
+    // serve as the zero row below it.
+    magRow(0);
+    if (h > 1) magRow(1);
+    for (int y = 2; y < h; ++y) {
+        magRow(y);
+        suppressRow(y - 2);
+    }
+    std::memset(rows[(h + 1) & 3] - 1, 0, static_cast<size_t>(mapStep) * sizeof(M));
+    for (int y = h > 2 ? h - 2 : 0; y < h; ++y) suppressRow(y);
+
+    hysteresis(stack, top, map, mapStep, pDst, dstStep);
+}
+
+template <class T>
+RvpStatus canny(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi,
+                Rvp32f lowThresh, Rvp32f highThresh, Rvp8u* pBuffer) {
+    constexpr int e = static_cast<int>(sizeof(T));
+    Check c;
+    c.ptrs(pDx, pDy, pDst, pBuffer).size(roi);
+    c.steps(wmul(roi.width, e), dxStep, dyStep).step(dstStep, roi.width).evenSteps(e, dxStep, dyStep);
+    // Only the two ordered comparisons: a NaN threshold passes.
+    c.fail(lowThresh < 0 || highThresh < lowThresh, rvpStsBadArgErr);
+    if (RvpStatus st = c) return st;
+    const auto low = Form<T>::thresh(lowThresh), high = Form<T>::thresh(highThresh);
+    if (narrowStack(roi))
+        detect<T, Rvp16u>(pDx, dxStep, pDy, dyStep, pDst, dstStep, roi, low, high, pBuffer);
+    else
+        detect<T, Rvp32s>(pDx, dxStep, pDy, dyStep, pDst, dstStep, roi, low, high, pBuffer);
+    return rvpStsNoErr;
+}
+
+}  // namespace
+}  // namespace rvcv
+
+using namespace rvcv;
+
+// Map of (H+2)(W+2) bytes, a ring of four rows of W+2 four-byte elements,
+// and a stack with room for every pixel (4 or 8 bytes each), with slack for
+// the alignment of the map and the ring. 32-bit arithmetic, wrapping.
+RVCV_EXPORT RvpStatus rvpiCannyGetSize(RvpiSize roiSize, int* pBufferSize) {
+    if (RvpStatus st = Check().ptr(pBufferSize).size(roiSize)) return st;
+    const int perPixel = narrowStack(roiSize) ? 5 : 9;
+    const int frame = wmul(wadd(roiSize.height, 2), wadd(roiSize.width, 2));
+    *pBufferSize = wadd(wadd(wmul(frame, perPixel), 160), wmul(16, roiSize.width));
+    return rvpStsNoErr;
+}
+
+RVCV_EXPORT RvpStatus rvpiCanny_16s8u_C1R(const Rvp16s* pSrcDx, int srcDxStep, const Rvp16s* pSrcDy, int srcDyStep,
+                                          Rvp8u* pDstEdges, int dstEdgeStep, RvpiSize roiSize, Rvp32f lowThresh,
+                                          Rvp32f highThresh, Rvp8u* pBuffer) {
+    return canny(pSrcDx, srcDxStep, pSrcDy, srcDyStep, pDstEdges, dstEdgeStep, roiSize, lowThresh, highThresh, pBuffer);
+}
+
+RVCV_EXPORT RvpStatus rvpiCanny_32f8u_C1R(const Rvp32f* pSrcDx, int srcDxStep, const Rvp32f* pSrcDy, int srcDyStep,
+                                          Rvp8u* pDstEdges, int dstEdgeStep, RvpiSize roiSize, Rvp32f lowThresh,
+                                          Rvp32f highThresh, Rvp8u* pBuffer) {
+    return canny(pSrcDx, srcDxStep, pSrcDy, srcDyStep, pDstEdges, dstEdgeStep, roiSize, lowThresh, highThresh, pBuffer);
+}
