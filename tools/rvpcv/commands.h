@@ -1,0 +1,60 @@
+// Command and demo-step registry of the rvpcv tool. A family adds one file,
+// cmd_<topic>.cpp, holding its commands and demo steps; both register
+// themselves at start-up, so no central table needs editing.
+#ifndef RVPCV_TOOL_COMMANDS_H
+#define RVPCV_TOOL_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "imageio.h"
+#include "rvpcv.h"
+
+namespace tool {
+
+using Args = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* usage;    // arguments, e.g. "A B OUT"
+    const char* summary;  // one line
+    int (*run)(const Args& args);  // args after the command name; returns the exit code
+};
+
+// What the demo hands each step: the built-in sample scene and where to write.
+struct DemoContext {
+    Picture gray;      // 8-bit gray scene
+    Picture grayNext;  // the same scene a moment later (objects moved)
+    std::string outDir;
+    // Writes a picture into outDir; reports failure on stderr.
+    bool save(const std::string& name, const Picture& pic) const;
+};
+
+struct DemoStep {
+    int order;  // steps run by increasing order
+    const char* name;
+    // Runs the step, writes its pictures, sets `what` to a short description
+    // of the output (file names); returns false on failure.
+    bool (*run)(const DemoContext& ctx, std::string& what);
+};
+
+struct RegisterCommand { explicit RegisterCommand(const Command& c); };
+struct RegisterDemoStep { explicit RegisterDemoStep(const DemoStep& s); };
+
+const std::vector<Command>& commands();
+const std::vector<DemoStep>& demoSteps();
+
+// Shared helpers for command implementations.
+int fail(const std::string& message);  // prints "rvpcv: message", returns 1
+int usage(const Command& c);           // prints the command's usage, returns 2
+bool load(const std::string& path, Picture& pic);  // prints the error itself
+bool store(const std::string& path, const Picture& pic);
+// Explains a status code in words for error messages.
+std::string statusText(RvpStatus st);
+// The built-in sample scene: a gray 8-bit image with shapes, gradients and
+// texture; `t` moves its objects.
+Picture sampleScene(int width, int height, int t);
+
+}  // namespace tool
+
+#endif
