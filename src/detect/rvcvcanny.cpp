@@ -2,7 +2,7 @@
 // sector non-maximum suppression and hysteresis from a stack of seeds, all in
 // one caller buffer and on the calling thread. The candidate map carries a
 // one-byte frame of zeros, which is the whole treatment of the image's edges.
-#include <xmmintrin.h>
+#include <emmintrin.h>
 
 #include <cstring>
 
@@ -48,21 +48,29 @@ template <> CannyNms<Rvp32f, Rvp32f, Rvp16u> Form<Rvp32f>::nms<Rvp16u>(const Can
 template <> CannyNms<Rvp32f, Rvp32f, Rvp32s> Form<Rvp32f>::nms<Rvp32s>(const CannyKernels& k) { return k.nms32f32s; }
 
 // Grows edges from the seeds on the stack through 8-connected candidates.
-// A pixel is pushed only while its output byte is still 0, so each pixel
-// enters the stack once at most.
+// A pixel is pushed only when first reached, so each pixel enters the stack
+// once at most. The 3x3 neighbourhood is tested at once: a map byte equal to
+// a bare candidate is a neighbour to take; usually there is none.
 template <class E>
-void hysteresis(const E* base, E* top, const Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst, int dstStep) {
-    const ptrdiff_t offs[8][2] = {{-1, -1}, {-1, 0}, {-1, 1}, {0, -1}, {0, 1}, {1, -1}, {1, 0}, {1, 1}};
+void hysteresis(const E* base, E* top, Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst, int dstStep) {
+    const __m128i candidate = _mm_set1_epi8(static_cast<char>(kCannyCandidate));
     while (top != base) {
         top -= 2;
         const int y = top[0], x = top[1];
-        const Rvp8u* m = map + (y + 1) * mapStep + (x + 1);
-        for (const auto& o : offs) {
-            if ((m[o[0] * mapStep + o[1]] & 0x80) == 0) continue;
-            const int ny = y + static_cast<int>(o[0]), nx = x + static_cast<int>(o[1]);
-            Rvp8u* d = rowPtr(dst, dstStep, ny) + nx;
-            if (*d != 0) continue;
-            *d = 0xFF;
+        Rvp8u* m = map + y * mapStep + x;  // top-left neighbour; 4 bytes read per row, the 4th ignored
+        uint32_t r0, r1, r2;
+        std::memcpy(&r0, m, 4);
+        std::memcpy(&r1, m + mapStep, 4);
+        std::memcpy(&r2, m + 2 * mapStep, 4);
+        const __m128i rows = _mm_set_epi32(0, static_cast<int>(r2), static_cast<int>(r1), static_cast<int>(r0));
+        unsigned take = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(rows, candidate))) & 0x757u;
+        while (take != 0) {  // bits 4k + j: row y - 1 + k, column x - 1 + j, in scan order
+            const int bitIndex = __builtin_ctz(take);
+            take &= take - 1;
+            const int k = bitIndex >> 2, j = bitIndex & 3;
+            m[k * mapStep + j] |= kCannyEdge;
+            const int ny = y - 1 + k, nx = x - 1 + j;
+            rowPtr(dst, dstStep, ny)[nx] = 0xFF;
             top[0] = static_cast<E>(ny);
             top[1] = static_cast<E>(nx);
             top += 2;
@@ -86,13 +94,10 @@ void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int
     M* rows[4];
     for (int i = 0; i < 4; ++i) rows[i] = ring + i * mapStep + 1;  // image column 0
 
-    // Plain fills for now; the shared fill and zero primitives take over once they land.
-    if (dstStep == w) {
-        std::memset(pDst, 0, static_cast<size_t>(w) * static_cast<size_t>(h));
-    } else {
-        for (int y = 0; y < h; ++y) std::memset(rowPtr(pDst, dstStep, y), 0, static_cast<size_t>(w));
-    }
-    std::memset(map, 0, static_cast<size_t>(mapBytes));
+    // Suppression writes every map row and output row whole, so only the
+    // map's top and bottom frame rows and the ring need clearing here.
+    std::memset(map, 0, static_cast<size_t>(mapStep));
+    std::memset(map + mapBytes - mapStep, 0, static_cast<size_t>(mapStep));
     std::memset(ring, 0, static_cast<size_t>(16 * mapStep));
 
     auto magRow = [&](int y) {

@@ -14,6 +14,12 @@ namespace rvcv {
 constexpr float kCannyTan22 = 0.41421357f;  // bits 0x3ED413CD
 constexpr float kCannyTan67 = 2.4142137f;   // bits 0x401A827A
 
+// Candidate map bytes: 0x80 survived suppression; 0x01 is already an edge,
+// set together with 0xFF in the output, so the growing of edges reads only
+// the map to find candidates not yet reached.
+constexpr Rvp8u kCannyCandidate = 0x80;
+constexpr Rvp8u kCannyEdge = 0x01;
+
 // Magnitude of one row into a ring row (pointer at image column 0); elements
 // not above (16s) or below (32f) the low threshold become 0.
 using CannyMag16s = void (*)(const Rvp16s* dx, const Rvp16s* dy, Rvp32s* mag, int w, Rvp32s low);

@@ -141,16 +141,31 @@ template <class T> struct FormOf;
 template <> struct FormOf<Rvp16s> { using type = Int32Form; };
 template <> struct FormOf<Rvp32f> { using type = FloatForm; };
 
+// Four all-ones or zero lanes as four bytes, kept where `keep` has bits.
+inline uint32_t bytes4(__m128i lanes, uint32_t keep) {
+    const __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(lanes, lanes), lanes);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(bytes)) & keep;
+}
+
+// Writes the whole map row (with its two frame bytes) and the whole output
+// row, so neither needs clearing beforehand. Seeds are marked as edges in the
+// map too.
 template <class T, class M, class E>
 E* nms(const T* dx, const T* dy, const M* up, const M* mid, const M* down, Rvp8u* map, E* top, M high, Rvp8u* dst,
        int w, int y) {
     using F = typename FormOf<T>::type;
     const __m128 k1 = _mm_set1_ps(kCannyTan22), k2 = _mm_set1_ps(kCannyTan67);
-    const __m128i highv = F::splatM(high), zero = _mm_setzero_si128(), bit = _mm_set1_epi8(static_cast<char>(0x80));
+    const __m128i highv = F::splatM(high), zero = _mm_setzero_si128();
+    map[-1] = 0;
+    map[w] = 0;
     int x = 0;
     for (; x + 4 <= w; x += 4) {
         const __m128i m = F::load(mid + x);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi32(m, zero)) == 0xffff) continue;
+        if (_mm_movemask_epi8(_mm_cmpeq_epi32(m, zero)) == 0xffff) {
+            std::memset(map + x, 0, 4);
+            std::memset(dst + x, 0, 4);
+            continue;
+        }
         __m128 a, b;
         __m128i opposite;
         F::derivs(dx + x, dy + x, a, b, opposite);
@@ -161,25 +176,24 @@ E* nms(const T* dx, const T* dy, const M* up, const M* mid, const M* down, Rvp8u
         const __m128i passS = _mm_and_si128(F::lt(F::load(up + x - 1), m), F::lt(F::load(down + x + 1), m));
         const __m128i passO = _mm_and_si128(F::lt(F::load(up + x + 1), m), F::lt(F::load(down + x - 1), m));
         const __m128i pass = select(vert, passV, select(horz, passH, select(opposite, passO, passS)));
-        const __m128i bytes = _mm_packs_epi16(_mm_packs_epi32(pass, pass), zero);
-        const int word = _mm_cvtsi128_si32(_mm_and_si128(bytes, bit));
-        std::memcpy(map + x, &word, 4);
-        int seeds = _mm_movemask_ps(_mm_castsi128_ps(_mm_and_si128(pass, F::lt(highv, m))));
+        const __m128i seed = _mm_and_si128(pass, F::lt(highv, m));
+        const uint32_t mapWord = bytes4(pass, 0x80808080u) | bytes4(seed, kCannyEdge * 0x01010101u);
+        const uint32_t dstWord = bytes4(seed, 0xffffffffu);
+        std::memcpy(map + x, &mapWord, 4);
+        std::memcpy(dst + x, &dstWord, 4);
+        int seeds = _mm_movemask_ps(_mm_castsi128_ps(seed));
         while (seeds != 0) {
-            const int i = __builtin_ctz(static_cast<unsigned>(seeds));
+            top = push(top, y, x + __builtin_ctz(static_cast<unsigned>(seeds)));
             seeds &= seeds - 1;
-            top = push(top, y, x + i);
-            dst[x + i] = 0xFF;
         }
     }
     for (; x < w; ++x) {
         const M m = mid[x];
-        if (m == 0 || !survives(dx[x], dy[x], m, up, mid, down, x)) continue;
-        map[x] = 0x80;
-        if (m > high) {
-            top = push(top, y, x);
-            dst[x] = 0xFF;
-        }
+        const bool pass = m != 0 && survives(dx[x], dy[x], m, up, mid, down, x);
+        const bool seed = pass && m > high;
+        map[x] = static_cast<Rvp8u>((pass ? kCannyCandidate : 0) | (seed ? kCannyEdge : 0));
+        dst[x] = seed ? 0xFF : 0;
+        if (seed) top = push(top, y, x);
     }
     return top;
 }
