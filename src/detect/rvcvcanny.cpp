@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "rvcvcanny.h"
+#include "rvcvcpu.h"
 #include "rvcvframe.h"
 
 namespace rvcv {
@@ -82,7 +83,7 @@ template <class T, class E>
 void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi,
             typename Form<T>::M low, typename Form<T>::M high, Rvp8u* pBuffer) {
     using M = typename Form<T>::M;
-    const CannyKernels& k = m7::kCanny;
+    const CannyKernels& k = pick(m7::kCanny, avx2::kCanny);
     const auto nms = Form<T>::template nms<E>(k);
     const int w = roi.width, h = roi.height;
     const ptrdiff_t mapStep = static_cast<ptrdiff_t>(w) + 2;

@@ -42,6 +42,7 @@ struct CannyKernels {
 };
 
 namespace m7 { extern const CannyKernels kCanny; }
+namespace avx2 { extern const CannyKernels kCanny; }
 
 }  // namespace rvcv
 
