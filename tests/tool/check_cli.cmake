@@ -40,3 +40,14 @@ expect(1 "cannot write" absdiff "${WORK}/small.pgm" "${WORK}/small.pgm" "${WORK}
 expect(2 "usage: rvpcv absdiff" absdiff "${WORK}/small.pgm")
 expect(2 "unknown command" frobnicate)
 expect(2 "--threads" --threads 0 absdiff)
+
+# canny
+if(NOT EXISTS "${WORK}/demo/canny.png")
+  message(FATAL_ERROR "demo did not write canny.png")
+endif()
+expect(0 "" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 500 --high 1500 --sobel 5)
+expect(1 "0 <= --low <= --high" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 9 --high 3)
+expect(1 "--low takes a number" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --high 3 --low x)
+expect(1 "--sobel takes 3 or 5" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1 --high 3 --sobel 7)
+expect(1 "cannot open" canny "${WORK}/missing.png" "${WORK}/edges.png" --low 1 --high 3)
+expect(2 "usage: rvpcv canny" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1)
