@@ -23,30 +23,18 @@ template <class P> P* alignUp32(P* p) {
 }
 
 // Thresholds of the 16s form are truncated to integers the way the
-// processor converts (a NaN or an out-of-range value gives INT_MIN).
-inline Rvp32s truncateThreshold(Rvp32f t) { return _mm_cvtt_ss2si(_mm_set_ss(t)); }
+// processor converts (a NaN or an out-of-range value gives INT_MIN); the
+// 32f form compares with the floats as given.
+inline Rvp32s threshold(Rvp32f t, const Rvp16s*) { return _mm_cvtt_ss2si(_mm_set_ss(t)); }
+inline Rvp32f threshold(Rvp32f t, const Rvp32f*) { return t; }
 
-template <class T> struct Form;
-template <> struct Form<Rvp16s> {
-    using M = Rvp32s;
-    static M thresh(Rvp32f t) { return truncateThreshold(t); }
-    static void mag(const CannyKernels& k, const Rvp16s* dx, const Rvp16s* dy, M* out, int w, M low) {
-        k.mag16s(dx, dy, out, w, low);
-    }
-    template <class E> static CannyNms<Rvp16s, M, E> nms(const CannyKernels& k);
-};
-template <> struct Form<Rvp32f> {
-    using M = Rvp32f;
-    static M thresh(Rvp32f t) { return t; }
-    static void mag(const CannyKernels& k, const Rvp32f* dx, const Rvp32f* dy, M* out, int w, M low) {
-        k.mag32f(dx, dy, out, w, low);
-    }
-    template <class E> static CannyNms<Rvp32f, M, E> nms(const CannyKernels& k);
-};
-template <> CannyNms<Rvp16s, Rvp32s, Rvp16u> Form<Rvp16s>::nms<Rvp16u>(const CannyKernels& k) { return k.nms16s16u; }
-template <> CannyNms<Rvp16s, Rvp32s, Rvp32s> Form<Rvp16s>::nms<Rvp32s>(const CannyKernels& k) { return k.nms16s32s; }
-template <> CannyNms<Rvp32f, Rvp32f, Rvp16u> Form<Rvp32f>::nms<Rvp16u>(const CannyKernels& k) { return k.nms32f16u; }
-template <> CannyNms<Rvp32f, Rvp32f, Rvp32s> Form<Rvp32f>::nms<Rvp32s>(const CannyKernels& k) { return k.nms32f32s; }
+// The kernels of a form (derivative type) and stack entry type.
+inline CannyMag16s magKernel(const CannyKernels& k, const Rvp16s*) { return k.mag16s; }
+inline CannyMag32f magKernel(const CannyKernels& k, const Rvp32f*) { return k.mag32f; }
+inline auto nmsKernel(const CannyKernels& k, const Rvp16s*, const Rvp16u*) { return k.nms16s16u; }
+inline auto nmsKernel(const CannyKernels& k, const Rvp16s*, const Rvp32s*) { return k.nms16s32s; }
+inline auto nmsKernel(const CannyKernels& k, const Rvp32f*, const Rvp16u*) { return k.nms32f16u; }
+inline auto nmsKernel(const CannyKernels& k, const Rvp32f*, const Rvp32s*) { return k.nms32f32s; }
 
 // Grows edges from the seeds on the stack through 8-connected candidates.
 // A pixel is pushed only when first reached, so each pixel enters the stack
@@ -79,12 +67,12 @@ void hysteresis(const E* base, E* top, Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst
     }
 }
 
-template <class T, class E>
-void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi,
-            typename Form<T>::M low, typename Form<T>::M high, Rvp8u* pBuffer) {
-    using M = typename Form<T>::M;
+template <class T, class E, class M>
+void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi, M low,
+            M high, Rvp8u* pBuffer) {
     const CannyKernels& k = pick(m7::kCanny, avx2::kCanny);
-    const auto nms = Form<T>::template nms<E>(k);
+    const auto mag = magKernel(k, pDx);
+    const auto nms = nmsKernel(k, pDx, static_cast<const E*>(nullptr));
     const int w = roi.width, h = roi.height;
     const ptrdiff_t mapStep = static_cast<ptrdiff_t>(w) + 2;
     const ptrdiff_t mapBytes = mapStep * (static_cast<ptrdiff_t>(h) + 2);
@@ -102,7 +90,7 @@ void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int
     std::memset(ring, 0, static_cast<size_t>(16 * mapStep));
 
     auto magRow = [&](int y) {
-        Form<T>::mag(k, rowPtr(pDx, dxStep, y), rowPtr(pDy, dyStep, y), rows[(y + 1) & 3], w, low);
+        mag(rowPtr(pDx, dxStep, y), rowPtr(pDy, dyStep, y), rows[(y + 1) & 3], w, low);
     };
     E* top = stack;
     auto suppressRow = [&](int y) {
@@ -135,7 +123,7 @@ RvpStatus canny(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst,
     // Only the two ordered comparisons: a NaN threshold passes.
     c.fail(lowThresh < 0 || highThresh < lowThresh, rvpStsBadArgErr);
     if (RvpStatus st = c) return st;
-    const auto low = Form<T>::thresh(lowThresh), high = Form<T>::thresh(highThresh);
+    const auto low = threshold(lowThresh, pDx), high = threshold(highThresh, pDx);
     if (narrowStack(roi))
         detect<T, Rvp16u>(pDx, dxStep, pDy, dyStep, pDst, dstStep, roi, low, high, pBuffer);
     else
