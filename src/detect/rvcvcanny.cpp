@@ -41,7 +41,8 @@ inline auto nmsKernel(const CannyKernels& k, const Rvp32f*, const Rvp32s*) { ret
 // once at most. The 3x3 neighbourhood is tested at once: a map byte equal to
 // a bare candidate is a neighbour to take; usually there is none.
 template <class E>
-void hysteresis(const E* base, E* top, Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst, int dstStep) {
+void ownHysteresisThresholding(const E* base, E* top, Rvp8u* map, ptrdiff_t mapStep, Rvp8u* dst,
+                               int dstStep) {
     const __m128i candidate = _mm_set1_epi8(static_cast<char>(kCannyCandidate));
     while (top != base) {
         top -= 2;
@@ -110,7 +111,7 @@ void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int
     std::memset(rows[(h + 1) & 3] - 1, 0, static_cast<size_t>(mapStep) * sizeof(M));
     for (int y = h > 2 ? h - 2 : 0; y < h; ++y) suppressRow(y);
 
-    hysteresis(stack, top, map, mapStep, pDst, dstStep);
+    ownHysteresisThresholding(stack, top, map, mapStep, pDst, dstStep);
 }
 
 template <class T>

@@ -83,7 +83,9 @@ inline VF addF(VF a, VF b) { return _mm256_add_ps(a, b); }
 inline VF toF(VI a) { return _mm256_cvtepi32_ps(a); }
 inline VI select(VI m, VI a, VI b) { return _mm256_blendv_epi8(b, a, m); }
 inline unsigned laneBits(VI m) { return static_cast<unsigned>(_mm256_movemask_ps(_mm256_castsi256_ps(m))); }
-inline VI widen16(const Rvp16s* p) { return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+inline VI widen16(const Rvp16s* p) {
+    return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+}
 inline __m128i packLanes(VI v) {  // all-ones or zero lanes to bytes 0..7
     const __m128i w = _mm_packs_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
     return _mm_packs_epi16(w, w);
@@ -151,7 +153,7 @@ inline __m128i abs16x8(__m128i v) {
 
 // Whole groups of eight add with unsigned 16-bit saturation; the last w mod 8
 // columns add in 32 bits, so 32768 + 32768 gives 65535 there and 65536 here.
-void mag16s(const Rvp16s* dx, const Rvp16s* dy, Rvp32s* mag, int w, Rvp32s low) {
+void ownCanny_16s8u_C1R_Mag(const Rvp16s* dx, const Rvp16s* dy, Rvp32s* mag, int w, Rvp32s low) {
     const __m128i low4 = _mm_set1_epi32(low), zero = _mm_setzero_si128();
     const int whole = w & ~7;
     int x = 0;
@@ -179,7 +181,7 @@ void mag16s(const Rvp16s* dx, const Rvp16s* dy, Rvp32s* mag, int w, Rvp32s low) 
 }
 
 // |dx| + |dy| with the sign bit cleared; 0 where below low.
-void mag32f(const Rvp32f* dx, const Rvp32f* dy, Rvp32f* mag, int w, Rvp32f low) {
+void ownCanny_32f8u_C1R_Mag(const Rvp32f* dx, const Rvp32f* dy, Rvp32f* mag, int w, Rvp32f low) {
     const VI absMask = splatI(0x7fffffff);
     const VF lowv = splatF(low);
     int x = 0;
@@ -228,8 +230,8 @@ template <> struct FormOf<Rvp32f> { typedef FloatForm type; };
 // row, so neither needs clearing beforehand. Seeds are marked as edges in the
 // map too.
 template <class T, class M, class E>
-E* nms(const T* dx, const T* dy, const M* up, const M* mid, const M* down, Rvp8u* map, E* top, M high, Rvp8u* dst,
-       int w, int y) {
+E* ownCanny_C1R_Suppress(const T* dx, const T* dy, const M* up, const M* mid, const M* down, Rvp8u* map, E* top,
+                         M high, Rvp8u* dst, int w, int y) {
     typedef typename FormOf<T>::type F;
     const VF k1 = splatF(kCannyTan22), k2 = splatF(kCannyTan67);
     const VI highv = F::splat(high), zero = splatI(0);
@@ -274,12 +276,12 @@ E* nms(const T* dx, const T* dy, const M* up, const M* mid, const M* down, Rvp8u
 }  // namespace
 
 extern const CannyKernels kCanny = {
-    mag16s,
-    mag32f,
-    nms<Rvp16s, Rvp32s, Rvp16u>,
-    nms<Rvp16s, Rvp32s, Rvp32s>,
-    nms<Rvp32f, Rvp32f, Rvp16u>,
-    nms<Rvp32f, Rvp32f, Rvp32s>,
+    ownCanny_16s8u_C1R_Mag,
+    ownCanny_32f8u_C1R_Mag,
+    ownCanny_C1R_Suppress<Rvp16s, Rvp32s, Rvp16u>,
+    ownCanny_C1R_Suppress<Rvp16s, Rvp32s, Rvp32s>,
+    ownCanny_C1R_Suppress<Rvp32f, Rvp32f, Rvp16u>,
+    ownCanny_C1R_Suppress<Rvp32f, Rvp32f, Rvp32s>,
 };
 
 }  // namespace RVCV_ISA_NS

@@ -13,8 +13,8 @@ using namespace rvtest;
 
 namespace {
 
-template <class T> RvpStatus canny(const T* x, int sx, const T* y, int sy, Rvp8u* d, int sd, RvpiSize s, float lo, float hi,
-                                   Rvp8u* b) {
+template <class T>
+RvpStatus canny(const T* x, int sx, const T* y, int sy, Rvp8u* d, int sd, RvpiSize s, float lo, float hi, Rvp8u* b) {
     if constexpr (std::is_integral<T>::value) return rvpiCanny_16s8u_C1R(x, sx, y, sy, d, sd, s, lo, hi, b);
     else return rvpiCanny_32f8u_C1R(x, sx, y, sy, d, sd, s, lo, hi, b);
 }
@@ -22,18 +22,19 @@ template <class T> RvpStatus canny(const T* x, int sx, const T* y, int sy, Rvp8u
 // Runs the detector with its buffer misaligned by `shift` between canaries
 // and full of stale candidate marks, on an output pre-filled with junk, and
 // compares with the reference.
-template <class T> std::vector<uint8_t> run(const Image<T>& dx, const Image<T>& dy, float low, float high, int shift = 0) {
+template <class T>
+std::vector<uint8_t> run(const Image<T>& dx, const Image<T>& dy, float low, float high, int shift = 0) {
     int size = 0;
     EXPECT_EQ(rvpiCannyGetSize(dx.size(), &size), rvpStsNoErr);
     std::vector<uint8_t> buf(static_cast<size_t>(size) + shift + kGuard, kCanary);
     std::fill(buf.begin() + shift, buf.end() - kGuard, 0x80);  // stale candidates everywhere
     Image<Rvp8u> dst(dx.width(), dx.height(), 1, shift % 5);
     dst.fill([] { return Rvp8u{0x5A}; });
-    EXPECT_EQ(canny(dx.ptr(), dx.step(), dy.ptr(), dy.step(), dst.ptr(), dst.step(), dx.size(), low, high, buf.data() + shift),
-              rvpStsNoErr);
+    Rvp8u* b = buf.data() + shift;
+    EXPECT_EQ(canny(dx.ptr(), dx.step(), dy.ptr(), dy.step(), dst.ptr(), dst.step(), dx.size(), low, high, b), rvpStsNoErr);
     EXPECT_TRUE(dst.guardsIntact());
-    EXPECT_TRUE(std::all_of(buf.begin(), buf.begin() + shift, [](uint8_t v) { return v == kCanary; }));
-    EXPECT_TRUE(std::all_of(buf.end() - kGuard, buf.end(), [](uint8_t v) { return v == kCanary; })) << "past the buffer";
+    auto intact = [](auto from, auto to) { return std::all_of(from, to, [](uint8_t v) { return v == kCanary; }); };
+    EXPECT_TRUE(intact(buf.begin(), buf.begin() + shift) && intact(buf.end() - kGuard, buf.end()));
     auto at = [](const Image<T>& im) { return [&im](int x, int y) { return im.at(x, y); }; };
     EXPECT_EQ(dst.bytes(), ref::canny<T>(dx.width(), dx.height(), at(dx), at(dy), low, high));
     return dst.bytes();
@@ -48,7 +49,7 @@ template <class T> std::function<T()> derivs(uint32_t seed, int kind) {
     return [rng = std::make_shared<std::mt19937>(seed), kind]() -> T {
         const unsigned r = (*rng)();
         if (kind == 0) return static_cast<T>(static_cast<int>(r % 7) - 3);
-        if (kind == 1) return std::is_integral<T>::value ? static_cast<T>(r) : static_cast<T>(static_cast<int>(r) * 1e-5f);
+        if (kind == 1) return std::is_integral<T>::value ? static_cast<T>(r) : static_cast<T>(static_cast<int>(r) / 1e5f);
         return static_cast<T>((r & 1 ? -1.0f : 1.0f) * pool[(r >> 1) % (std::is_integral<T>::value ? 15 : 20)]);
     };
 }
@@ -89,7 +90,7 @@ template <class T> void compareScene(int w, int h, uint32_t seed, float low, flo
         for (int i = 0; i < w * h; ++i)
             if ((i % w - cx) * (i % w - cx) + (i / w - cy) * (i / w - cy) < r * r) img[i] = v;
     }
-    auto I = [&](int x, int y) { return img[static_cast<size_t>(std::clamp(y, 0, h - 1)) * w + std::clamp(x, 0, w - 1)]; };
+    auto I = [&](int x, int y) { return img[std::clamp(y, 0, h - 1) * size_t(w) + std::clamp(x, 0, w - 1)]; };
     const float scale = std::is_integral<T>::value ? 1.0f : 0.125f;
     Image<T> dx(w, h, 1, 8), dy(w, h);
     dx.fill([] { return T(0); }), dy.fill([] { return T(0); });
@@ -132,7 +133,8 @@ TEST_P(CannyPaths, WideStackBranch) {
 template <class T> void compareBoundaries(const std::vector<std::pair<T, T>>& pairs) {
     const int w = 2 * static_cast<int>(pairs.size()) + 1;
     Image<T> dx(w, 3), dy(w, 3);
-    for (int i = 0; i < w * 3; ++i) dx.at(i % w, i / w) = dy.at(i % w, i / w) = static_cast<T>(i / w != 1 && i % 2 == 0 ? 30000 : 0);
+    for (int i = 0; i < w * 3; ++i)
+        dx.at(i % w, i / w) = dy.at(i % w, i / w) = static_cast<T>(i / w != 1 && i % 2 == 0 ? 30000 : 0);
     for (size_t i = 0; i < pairs.size(); ++i) {
         dx.at(2 * static_cast<int>(i) + 1, 1) = static_cast<T>(i % 3 == 1 ? -pairs[i].first : pairs[i].first);
         dy.at(2 * static_cast<int>(i) + 1, 1) = static_cast<T>(i % 2 ? pairs[i].second : -pairs[i].second);
@@ -148,9 +150,11 @@ TEST_P(CannyPaths, SectorBoundaries) {
     for (int a = 1; a <= 32767; a += (a < 200 ? 1 : 37))
         for (const float k : {0.41421357f, 2.4142137f}) {
             const int b = static_cast<int>(k * a);
-            for (int c = b; c <= std::min(b + 1, 32767); ++c) ints.push_back({static_cast<Rvp16s>(a), static_cast<Rvp16s>(c)});
+            for (int c = b; c <= std::min(b + 1, 32767); ++c)
+                ints.push_back({static_cast<Rvp16s>(a), static_cast<Rvp16s>(c)});
             const float fa = a * 0.37f, fb = k * fa;
-            for (const float c : {std::nextafter(fb, 0.0f), fb, std::nextafter(fb, INFINITY)}) floats.push_back({fa, c});
+            for (const float c : {std::nextafter(fb, 0.0f), fb, std::nextafter(fb, INFINITY)})
+                floats.push_back({fa, c});
         }
     compareBoundaries(ints);
     compareBoundaries(floats);
@@ -190,9 +194,9 @@ TEST_P(CannyPaths, TiesAndThresholds) {
 
 TEST(Canny, GetSizeAndValidation) {
     int size = -1;
-    const std::pair<RvpiSize, int> sizes[] = {{{4, 3}, 6 * 5 * 5 + 160 + 64}, {{1, 0xfffc}, 3 * 0xfffe * 5 + 176},
-                                              {{1, 0xfffd}, 3 * 0xffff * 9 + 176},
-                                              {{0xfffc, 0xfffd}, static_cast<int>(0xfffeu * 0xffffu * 9u + 160u + 16u * 0xfffcu)}};
+    const std::pair<RvpiSize, int> sizes[] = {
+        {{4, 3}, 6 * 5 * 5 + 160 + 64}, {{1, 0xfffc}, 3 * 0xfffe * 5 + 176}, {{1, 0xfffd}, 3 * 0xffff * 9 + 176},
+        {{0xfffc, 0xfffd}, static_cast<int>(0xfffeu * 0xffffu * 9 + 160 + 16 * 0xfffc)}};  // wraps, undetected
     for (const auto& s : sizes) EXPECT_TRUE(rvpiCannyGetSize(s.first, &size) == rvpStsNoErr && size == s.second);
     EXPECT_EQ(rvpiCannyGetSize({0, 3}, nullptr), rvpStsNullPtrErr);
     EXPECT_EQ(rvpiCannyGetSize({4, -1}, &size), rvpStsSizeErr);

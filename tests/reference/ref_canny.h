@@ -15,14 +15,15 @@
 namespace ref {
 
 // Float to int32 by truncation; NaN and out-of-range values give INT_MIN.
-inline int32_t truncate32(float t) { return t > -2147483648.0f && t < 2147483648.0f ? static_cast<int32_t>(t) : INT_MIN; }
+inline int32_t truncate32(float t) { return std::fabs(t) < 2147483648.0f ? static_cast<int32_t>(t) : INT_MIN; }
 
 // Edge map (0xFF / 0) of a w x h image with derivatives dx(x, y), dy(x, y).
 // Magnitudes are held as doubles, which keep every int32 and float value.
 template <class T, class F>
 std::vector<uint8_t> canny(int w, int h, F dx, F dy, float lowThresh, float highThresh) {
     constexpr bool integer = std::is_integral<T>::value;
-    const double low = integer ? truncate32(lowThresh) : lowThresh, high = integer ? truncate32(highThresh) : highThresh;
+    const double low = integer ? truncate32(lowThresh) : lowThresh;
+    const double high = integer ? truncate32(highThresh) : highThresh;
     std::vector<double> mag(static_cast<size_t>(w + 2) * (h + 2), 0.0);
     auto M = [&](int x, int y) -> double& { return mag[static_cast<size_t>(y + 1) * (w + 2) + (x + 1)]; };
     for (int y = 0; y < h; ++y)
