@@ -1,5 +1,6 @@
-// Canny from 3x3 Sobel derivatives of a generated scene, against the peer's
-// Canny given the same derivative images (L1 gradient, same thresholds).
+// Canny from 3x3 Sobel derivatives of a generated scene and of noise,
+// against the peer's Canny given the same derivative images (L1 gradient,
+// same thresholds).
 #include <cmath>
 
 #include "benchutil.h"
@@ -48,32 +49,42 @@ void sobel(Size s, const std::vector<int>& img, Plane<Rvp16s>& dx, Plane<Rvp16s>
 
 constexpr float kLow = 60, kHigh = 180;
 
+// Two inputs: the scene (sparse edges, typical use) and uniform noise, whose
+// derivatives make most pixels candidates (the dense worst case).
+void addCanny(const std::string& name, Size s, const std::vector<int>& img) {
+    auto dx = std::make_shared<Plane<Rvp16s>>(s), dy = std::make_shared<Plane<Rvp16s>>(s);
+    auto fx = std::make_shared<Plane<Rvp32f>>(s), fy = std::make_shared<Plane<Rvp32f>>(s);
+    auto edges = std::make_shared<Plane<Rvp8u>>(s);
+    sobel(s, img, *dx, *dy, *fx, *fy);
+    int size = 0;
+    rvpiCannyGetSize(dx->size(), &size);
+    auto buf = std::make_shared<std::vector<Rvp8u>>(static_cast<size_t>(size));
+    const size_t moved = 5 * edges->bytes();
+    add("Canny_16s8u_" + name, "rvp", s, moved, [=](benchmark::State& st) {
+        for (auto _ : st)
+            rvpiCanny_16s8u_C1R(dx->ptr(), dx->step, dy->ptr(), dy->step, edges->ptr(), edges->step, dx->size(), kLow,
+                                kHigh, buf->data());
+    });
+    add("Canny_32f8u_" + name, "rvp", s, 9 * edges->bytes(), [=](benchmark::State& st) {
+        for (auto _ : st)
+            rvpiCanny_32f8u_C1R(fx->ptr(), fx->step, fy->ptr(), fy->step, edges->ptr(), edges->step, fx->size(), kLow,
+                                kHigh, buf->data());
+    });
+#ifdef RVPCV_HAVE_OPENCV
+    add("Canny_16s8u_" + name, "cv", s, moved, [=](benchmark::State& st) {
+        cv::Mat mx = dx->mat(), my = dy->mat(), me = edges->mat();
+        for (auto _ : st) cv::Canny(mx, my, me, kLow, kHigh, false);
+    });
+#endif
+}
+
 const int kRegistered = [] {
     for (Size s : hd()) {
-        auto dx = std::make_shared<Plane<Rvp16s>>(s), dy = std::make_shared<Plane<Rvp16s>>(s);
-        auto fx = std::make_shared<Plane<Rvp32f>>(s), fy = std::make_shared<Plane<Rvp32f>>(s);
-        auto edges = std::make_shared<Plane<Rvp8u>>(s);
-        sobel(s, scene(s), *dx, *dy, *fx, *fy);
-        int size = 0;
-        rvpiCannyGetSize(dx->size(), &size);
-        auto buf = std::make_shared<std::vector<Rvp8u>>(static_cast<size_t>(size));
-        const size_t moved = 5 * edges->bytes();
-        add("Canny_16s8u", "rvp", s, moved, [=](benchmark::State& st) {
-            for (auto _ : st)
-                rvpiCanny_16s8u_C1R(dx->ptr(), dx->step, dy->ptr(), dy->step, edges->ptr(), edges->step, dx->size(),
-                                    kLow, kHigh, buf->data());
-        });
-        add("Canny_32f8u", "rvp", s, 9 * edges->bytes(), [=](benchmark::State& st) {
-            for (auto _ : st)
-                rvpiCanny_32f8u_C1R(fx->ptr(), fx->step, fy->ptr(), fy->step, edges->ptr(), edges->step, fx->size(),
-                                    kLow, kHigh, buf->data());
-        });
-#ifdef RVPCV_HAVE_OPENCV
-        add("Canny_16s8u", "cv", s, moved, [=](benchmark::State& st) {
-            cv::Mat mx = dx->mat(), my = dy->mat(), me = edges->mat();
-            for (auto _ : st) cv::Canny(mx, my, me, kLow, kHigh, false);
-        });
-#endif
+        addCanny("scene", s, scene(s));
+        std::vector<int> noise(static_cast<size_t>(s.w) * s.h);
+        std::mt19937 rng(9);
+        for (int& v : noise) v = static_cast<int>(rng() % 256);
+        addCanny("noise", s, noise);
     }
     return 0;
 }();
