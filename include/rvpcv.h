@@ -394,6 +394,22 @@ RVPAPI RvpStatus rvpiGenSobelKernel_32f(Rvp32f* pDst, int kernelSize, int dx, in
 /* ---- Morphological reconstruction ------------------------------------- */
 
 /* ---- Canny edge detector ---------------------------------------------- */
+/* Bytes of scratch that rvpiCanny_* needs for a roiSize region (32-bit,
+ * wrapping; sides of 0xfffd or more need the larger, 32-bit-stack size).
+ * Statuses: NullPtr, Size. */
+RVPAPI RvpStatus rvpiCannyGetSize(RvpiSize roiSize, int* pBufferSize);
+/* Edge map (0xFF edge, 0 elsewhere) from x and y derivatives: L1 magnitude,
+ * non-maximum suppression, hysteresis between lowThresh and highThresh
+ * (16s form: thresholds truncated to integers). pBuffer holds
+ * rvpiCannyGetSize bytes; runs on the calling thread. Statuses: NullPtr,
+ * Size, Step, NotEvenStep (the derivative steps), BadArg (lowThresh < 0 or
+ * highThresh < lowThresh). */
+RVPAPI RvpStatus rvpiCanny_16s8u_C1R(const Rvp16s* pSrcDx, int srcDxStep, const Rvp16s* pSrcDy, int srcDyStep,
+                                     Rvp8u* pDstEdges, int dstEdgeStep, RvpiSize roiSize, Rvp32f lowThresh,
+                                     Rvp32f highThresh, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiCanny_32f8u_C1R(const Rvp32f* pSrcDx, int srcDxStep, const Rvp32f* pSrcDy, int srcDyStep,
+                                     Rvp8u* pDstEdges, int dstEdgeStep, RvpiSize roiSize, Rvp32f lowThresh,
+                                     Rvp32f highThresh, Rvp8u* pBuffer);
 
 /* ---- Corner responses ------------------------------------------------- */
 

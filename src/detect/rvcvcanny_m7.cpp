@@ -1,0 +1,3 @@
+// Canny row kernels for the SSE3 baseline.
+#define RVCV_ISA_NS m7
+#include "rvcvcanny_k.h"
