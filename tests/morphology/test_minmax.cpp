@@ -1,0 +1,210 @@
+// Rectangular min/max filters against the reference: every layout, both
+// extrema, every dispatch level, masks from 1 to past the 63-column block
+// of the running extremum, anchors at both ends, masks larger than the
+// image, odd widths and padded steps; the shortened masks of the small
+// tables; buffer sizes and the validation order.
+#include <cfloat>
+#include <functional>
+
+#include "reference/ref_morphology.h"
+#include "support/rvtest.h"
+
+using namespace rvtest;
+
+namespace {
+
+template <class T> using FilterFn = RvpStatus (*)(const T*, int, T*, int, RvpiSize, RvpiSize, RvpiPoint, Rvp8u*);
+using SizeFn = RvpStatus (*)(int, RvpiSize, int*);
+
+template <class T> struct Form {
+    FilterFn<T> fn;
+    SizeFn size;
+    int channels;
+    bool isMax;
+    bool smallTable;
+};
+
+const Form<Rvp8u> k8u[] = {
+    {rvpiFilterMinBorderReplicate_8u_C1R, rvpiFilterMinGetBufferSize_8u_C1R, 1, false, false},
+    {rvpiFilterMaxBorderReplicate_8u_C1R, rvpiFilterMaxGetBufferSize_8u_C1R, 1, true, false},
+    {rvpiFilterMinBorderReplicate_8u_C3R, rvpiFilterMinGetBufferSize_8u_C3R, 3, false, false},
+    {rvpiFilterMaxBorderReplicate_8u_C3R, rvpiFilterMaxGetBufferSize_8u_C3R, 3, true, false},
+    {rvpiFilterMinBorderReplicate_8u_C4R, rvpiFilterMinGetBufferSize_8u_C4R, 4, false, true},
+    {rvpiFilterMaxBorderReplicate_8u_C4R, rvpiFilterMaxGetBufferSize_8u_C4R, 4, true, true},
+};
+const Form<Rvp32f> k32f[] = {
+    {rvpiFilterMinBorderReplicate_32f_C1R, rvpiFilterMinGetBufferSize_32f_C1R, 1, false, true},
+    {rvpiFilterMaxBorderReplicate_32f_C1R, rvpiFilterMaxGetBufferSize_32f_C1R, 1, true, true},
+    {rvpiFilterMinBorderReplicate_32f_C3R, rvpiFilterMinGetBufferSize_32f_C3R, 3, false, false},
+    {rvpiFilterMaxBorderReplicate_32f_C3R, rvpiFilterMaxGetBufferSize_32f_C3R, 3, true, false},
+    {rvpiFilterMinBorderReplicate_32f_C4R, rvpiFilterMinGetBufferSize_32f_C4R, 4, false, false},
+    {rvpiFilterMaxBorderReplicate_32f_C4R, rvpiFilterMaxGetBufferSize_32f_C4R, 4, true, false},
+};
+
+template <class T> ref::Plane<T> planeOf(const Image<T>& im, int channels) {
+    ref::Plane<T> p(im.width(), im.height(), channels);
+    const auto b = im.bytes();
+    std::memcpy(p.v.data(), b.data(), b.size());
+    return p;
+}
+
+// Runs one filter on a random image and compares it with the reference.
+template <class T>
+void runCase(const Form<T>& f, int w, int h, int pad, int W, int H, int ax, int ay, uint32_t seed) {
+    SCOPED_TRACE(testing::Message() << "C" << f.channels << (f.isMax ? " max " : " min ") << w << "x" << h
+                                    << " mask " << W << "x" << H << " anchor " << ax << "," << ay << " seed " << seed);
+    Image<T> src(w, h, f.channels, pad), dst(w, h, f.channels, pad + 4 * (seed % 3));
+    src.fill(Random<T>(seed));
+    int bytes = 0;
+    ASSERT_EQ(f.size(w, RvpiSize{W, H}, &bytes), rvpStsNoErr);
+    std::vector<Rvp8u> buffer(static_cast<size_t>(bytes) + 1);
+    ASSERT_EQ(f.fn(src.ptr(), src.step(), dst.ptr(), dst.step(), {w, h}, {W, H}, {ax, ay}, buffer.data() + 1),
+              rvpStsNoErr);
+    ASSERT_TRUE(dst.guardsIntact());
+    const ref::Plane<T> want = ref::minMaxFilter(planeOf(src, f.channels), W, H, ax, ay, f.isMax, f.smallTable);
+    const auto got = dst.bytes();
+    ASSERT_EQ(got.size(), want.v.size() * sizeof(T));
+    for (size_t i = 0; i < want.v.size(); ++i) {
+        T g;
+        std::memcpy(&g, got.data() + i * sizeof(T), sizeof(T));
+        ASSERT_EQ(g, want.v[i]) << "sample " << i << " (x " << i / f.channels % w << ", y " << i / f.channels / w << ")";
+    }
+}
+
+struct Geometry { int w, h, pad; };
+const Geometry kSizes[] = {{1, 1, 0}, {2, 3, 4}, {7, 5, 0}, {16, 9, 8}, {31, 17, 4}, {40, 40, 0},
+                           {65, 12, 12}, {129, 70, 0}, {70, 129, 20}};
+const int kLengths[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 20, 21, 41, 63, 64, 70, 131};
+
+template <class T>
+void sweep(const Form<T>& f, uint32_t seed) {
+    std::mt19937 rng(seed);
+    for (const Geometry& g : kSizes) {
+        for (int W : kLengths) {
+            const int H = kLengths[rng() % (sizeof kLengths / sizeof *kLengths)];
+            const int ax = std::vector<int>{0, W / 2, W - 1}[rng() % 3];
+            const int ay = std::vector<int>{0, H / 2, H - 1}[rng() % 3];
+            runCase(f, g.w, g.h, g.pad, W, H, ax, ay, rng());
+            if (testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
+class MinMaxFilterIsa : public testing::TestWithParam<rvcv::Isa> {};
+
+TEST_P(MinMaxFilterIsa, MatchesReference8u) {
+    ScopedIsa isa(GetParam());
+    uint32_t seed = 100;
+    for (const auto& f : k8u) sweep(f, ++seed);
+}
+
+TEST_P(MinMaxFilterIsa, MatchesReference32f) {
+    ScopedIsa isa(GetParam());
+    uint32_t seed = 200;
+    for (const auto& f : k32f) sweep(f, ++seed);
+}
+
+// Every fixed-length row kernel in its middle phase and the column kernels
+// 1, 3, 5 and the running extremum: images wide and tall enough for all.
+TEST_P(MinMaxFilterIsa, EveryKernelWithAllAnchors) {
+    ScopedIsa isa(GetParam());
+    uint32_t seed = 300;
+    for (int W = 1; W <= 16; ++W)
+        for (int ax = 0; ax < W; ax += (W > 4 ? W / 3 : 1)) {
+            const int H = 1 + (W * 7) % 9;
+            runCase(k8u[W % 2], 77, 40, 3, W, H, ax, (ax * 5) % H, ++seed);
+            runCase(k8u[2 + W % 2], 77, 40, 3, W, H, ax, (ax * 5) % H, ++seed);
+            runCase(k32f[W % 2], 150, 40, 0, W, H, ax, (ax * 5) % H, ++seed);
+            runCase(k32f[4 + W % 2], 41, 40, 8, W, H, ax, (ax * 5) % H, ++seed);
+            if (HasFatalFailure()) return;
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, MinMaxFilterIsa, testing::ValuesIn(isaLevels()),
+                         [](const auto& info) { return std::string(info.param == rvcv::Isa::Avx2 ? "avx2" : "m7"); });
+
+// The small tables shorten masks on purpose; a filter that kept all
+// columns would give other results.
+TEST(MinMaxFilter, SmallTableShortensMasks) {
+    // 32f C1, 40 x 40: width 20 becomes 15 columns, width 21 is too wide for
+    // the fixed kernels and stays exact.
+    Image<Rvp32f> src(40, 40), dst(40, 40);
+    for (int y = 0; y < 40; ++y)
+        for (int x = 0; x < 40; ++x) src.at(x, y) = static_cast<float>(x);
+    std::vector<Rvp8u> buf(200000);
+    ASSERT_EQ(rvpiFilterMaxBorderReplicate_32f_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {40, 40}, {20, 1},
+                                                   {0, 0}, buf.data()), rvpStsNoErr);
+    EXPECT_EQ(dst.at(0, 5), 14.0f);
+    ASSERT_EQ(rvpiFilterMaxBorderReplicate_32f_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {40, 40}, {21, 1},
+                                                   {0, 0}, buf.data()), rvpStsNoErr);
+    EXPECT_EQ(dst.at(0, 5), 20.0f);
+    // 8u C4, width 8 with the anchor on its last column: the first output is
+    // the neutral value, later ones cover x - 7 .. x - 1.
+    Image<Rvp8u> s4(20, 3, 4), d4(20, 3, 4);
+    for (int x = 0; x < 20; ++x)
+        for (int c = 0; c < 4; ++c) s4.at(x, 1, c) = s4.at(x, 0, c) = s4.at(x, 2, c) = static_cast<Rvp8u>(100 + x);
+    ASSERT_EQ(rvpiFilterMinBorderReplicate_8u_C4R(s4.ptr(), s4.step(), d4.ptr(), d4.step(), {20, 3}, {8, 1}, {7, 0},
+                                                  buf.data()), rvpStsNoErr);
+    EXPECT_EQ(d4.at(0, 1, 3), 255);
+    EXPECT_EQ(d4.at(1, 1, 0), 100);
+    EXPECT_EQ(d4.at(10, 1, 2), 103);
+    // Three channels have no small table: width 8 is exact.
+    Image<Rvp8u> s3(20, 2, 3), d3(20, 2, 3);
+    s3.fill(Random<Rvp8u>(5));
+    ASSERT_EQ(rvpiFilterMaxBorderReplicate_8u_C3R(s3.ptr(), s3.step(), d3.ptr(), d3.step(), {20, 2}, {8, 1}, {7, 0},
+                                                  buf.data()), rvpStsNoErr);
+    const auto want = ref::minMaxFilter(planeOf(s3, 3), 8, 1, 7, 0, true, false);
+    EXPECT_EQ(d3.bytes(), std::vector<uint8_t>(want.v.begin(), want.v.end()));
+}
+
+TEST(MinMaxFilter, BufferSize) {
+    int n = 0;
+    EXPECT_EQ(rvpiFilterMinGetBufferSize_8u_C1R(100, {5, 3}, &n), rvpStsNoErr);
+    EXPECT_EQ(n, 2 * 3 * (100 + 32) + 32 + 32 * 3);
+    EXPECT_EQ(rvpiFilterMaxGetBufferSize_32f_C3R(100, {1, 7}, &n), rvpStsNoErr);
+    EXPECT_EQ(n, 2 * 7 * (1200 + 32) + 32 + 32 * 7);
+    EXPECT_EQ(rvpiFilterMaxGetBufferSize_8u_C4R(9, {99, 2}, &n), rvpStsNoErr);
+    EXPECT_EQ(n, 2 * 2 * (36 + 32) + 32 + 64);
+    EXPECT_EQ(rvpiFilterMinGetBufferSize_32f_C1R(0, {0, 0}, nullptr), rvpStsNullPtrErr);
+    EXPECT_EQ(rvpiFilterMinGetBufferSize_32f_C1R(0, {0, 0}, &n), rvpStsSizeErr);
+    EXPECT_EQ(rvpiFilterMinGetBufferSize_32f_C1R(1, {0, 1}, &n), rvpStsMaskSizeErr);
+    EXPECT_EQ(rvpiFilterMinGetBufferSize_32f_C1R(1, {1, 0}, &n), rvpStsMaskSizeErr);
+}
+
+TEST(MinMaxFilter, ValidationOrder) {
+    Image<Rvp32f> s(8, 4), d(8, 4);
+    s.fill(Random<Rvp32f>(1));
+    std::vector<Rvp8u> buf(4096);
+    const auto before = d.raw();
+    const Rvp32f* ps = s.ptr();
+    Rvp32f* pd = d.ptr();
+    Rvp8u* pb = buf.data();
+    auto f = [&](const Rvp32f* a, int sa, Rvp32f* b, int sb, RvpiSize roi, RvpiSize m, RvpiPoint an, Rvp8u* bb) {
+        return rvpiFilterMinBorderReplicate_32f_C1R(a, sa, b, sb, roi, m, an, bb);
+    };
+    struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };
+    const Row rows[] = {
+        {"null src", [&] { return f(nullptr, 32, pd, 32, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNullPtrErr},
+        {"null dst", [&] { return f(ps, 32, nullptr, 32, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNullPtrErr},
+        {"null buffer", [&] { return f(ps, 32, pd, 32, {0, 4}, {3, 3}, {1, 1}, nullptr); }, rvpStsNullPtrErr},
+        {"size", [&] { return f(ps, 32, pd, 32, {0, 4}, {0, 3}, {1, 1}, pb); }, rvpStsSizeErr},
+        {"height", [&] { return f(ps, 32, pd, 32, {8, -2}, {3, 3}, {1, 1}, pb); }, rvpStsSizeErr},
+        {"mask before anchor", [&] { return f(ps, 2, pd, 32, {8, 4}, {3, 0}, {9, 1}, pb); }, rvpStsMaskSizeErr},
+        {"anchor x", [&] { return f(ps, 2, pd, 32, {8, 4}, {3, 3}, {3, 1}, pb); }, rvpStsAnchorErr},
+        {"anchor y", [&] { return f(ps, 32, pd, 32, {8, 4}, {3, 3}, {0, -1}, pb); }, rvpStsAnchorErr},
+        {"src step", [&] { return f(ps, 28, pd, 30, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsStepErr},
+        {"src odd before dst short", [&] { return f(ps, 34, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb); },
+         rvpStsNotEvenStepErr},
+        {"dst step", [&] { return f(ps, 36, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsStepErr},
+        {"dst odd", [&] { return f(ps, 32, pd, 34, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNotEvenStepErr},
+    };
+    for (const Row& r : rows) {
+        EXPECT_EQ(r.call(), r.want) << r.what;
+        EXPECT_EQ(d.raw(), before) << r.what;
+    }
+    Image<Rvp8u> s8(5, 2, 1, 1), d8(5, 2, 1, 1);
+    EXPECT_EQ(rvpiFilterMaxBorderReplicate_8u_C1R(s8.ptr(), 5, d8.ptr(), 4, {5, 2}, {1, 1}, {0, 0}, pb), rvpStsStepErr);
+    EXPECT_EQ(rvpiFilterMaxBorderReplicate_8u_C1R(s8.ptr(), 5, d8.ptr(), 5, {5, 2}, {1, 1}, {0, 0}, pb), rvpStsNoErr);
+}
+
+}  // namespace
