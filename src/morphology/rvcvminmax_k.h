@@ -243,6 +243,37 @@ void rowFixed(const void* sv, void* dv, int w, int W, int a) {
 }
 
 // ---- Columns -------------------------------------------------------------------
+// Two output rows share the H - 1 reduced rows common to both windows; the
+// row above the pair completes the first, the row below the second.
+template <class T, class Op, int NC, bool NT>
+void foldPairN(const T* const* c, const T* top, const T* bot, T* o0, T* o1, int n) {
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        Vec<T> acc = loadv<Vec<T>>(c[0] + j);
+        for (int i = 1; i < NC; ++i) acc = Op::f(acc, loadv<Vec<T>>(c[i] + j));
+        const Vec<T> v0 = Op::f(acc, loadv<Vec<T>>(top + j)), v1 = Op::f(acc, loadv<Vec<T>>(bot + j));
+        if (NT) { streamv(o0 + j, v0); streamv(o1 + j, v1); }
+        else { storev(o0 + j, v0); storev(o1 + j, v1); }
+    }
+    for (; j < n; ++j) {
+        T acc = c[0][j];
+        for (int i = 1; i < NC; ++i) acc = Op::f(acc, c[i][j]);
+        o0[j] = Op::f(acc, top[j]);
+        o1[j] = Op::f(acc, bot[j]);
+    }
+}
+
+template <class T, class Op, bool NT>
+void foldPair(const T* const* c, int nc, const T* top, const T* bot, T* o0, T* o1, int n) {
+    switch (nc) {
+    case 1: foldPairN<T, Op, 1, NT>(c, top, bot, o0, o1, n); return;
+    case 2: foldPairN<T, Op, 2, NT>(c, top, bot, o0, o1, n); return;
+    case 3: foldPairN<T, Op, 3, NT>(c, top, bot, o0, o1, n); return;
+    default: foldPairN<T, Op, 4, NT>(c, top, bot, o0, o1, n); return;
+    }
+}
+
 struct ColumnArgs {
     const char* src;
     int srcStep;
@@ -266,28 +297,44 @@ template <class T, class Op> struct Emit {
         if (big && aligned16(o)) foldRows<T, Op, true>(r, count, o, n);
         else foldRows<T, Op, false>(r, count, o, n);
     }
+    void pair(const T* const* c, int nc, const T* top, const T* bot, T* o0, T* o1) const {
+        if (big && aligned16(o0) && aligned16(o1)) foldPair<T, Op, true>(c, nc, top, bot, o0, o1, n);
+        else foldPair<T, Op, false>(c, nc, top, bot, o0, o1, n);
+    }
     void two(T* o, const T* a, const T* b) const {
         const T* r[2] = {a, b};
         fold(o, r, 2);
     }
 };
 
-// Ring of H reduced rows, real row j in slot j % H; each output folds the H
-// rows of its window with clamped indices.
+// Short masks (H up to 5): a ring of H + 1 reduced rows, real row j in slot
+// j % (H + 1), rows outside the image read the nearest real row; output rows
+// are made two at a time.
 template <class T, class Op>
 void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit) {
-    const T* list[8];
+    if (g.H == 1) {
+        for (int y = 0; y < g.h; ++y) g.row(rowAt(g.src, g.srcStep, y), rowAt(g.dst, g.dstStep, y), g.w, g.W, g.ax);
+        return;
+    }
+    const int R = g.H + 1;
     int next = 0;
-    for (int y = 0; y < g.h; ++y) {
-        const int last = y - g.ay + g.H - 1 < g.h - 1 ? y - g.ay + g.H - 1 : g.h - 1;
-        for (; next <= last; ++next)
-            g.row(rowAt(g.src, g.srcStep, next), g.ptrs[next % g.H], g.w, g.W, g.ax);
-        for (int i = 0; i < g.H; ++i) {
-            int j = y - g.ay + i;
-            j = j < 0 ? 0 : j > g.h - 1 ? g.h - 1 : j;
-            list[i] = static_cast<const T*>(g.ptrs[j % g.H]);
+    auto rowOf = [&](int j) {
+        j = j < 0 ? 0 : j > g.h - 1 ? g.h - 1 : j;
+        return static_cast<const T*>(g.ptrs[j % R]);
+    };
+    const T* common[8];
+    for (int y = 0; y < g.h; y += 2) {
+        const int last = y - g.ay + g.H < g.h - 1 ? y - g.ay + g.H : g.h - 1;
+        for (; next <= last; ++next) g.row(rowAt(g.src, g.srcStep, next), g.ptrs[next % R], g.w, g.W, g.ax);
+        for (int i = 1; i < g.H; ++i) common[i - 1] = rowOf(y - g.ay + i);
+        const T* top = rowOf(y - g.ay);
+        T* o0 = reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y));
+        if (y + 1 < g.h) {
+            emit.pair(common, g.H - 1, top, rowOf(y - g.ay + g.H), o0, reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y + 1)));
+        } else {
+            common[g.H - 1] = top;
+            emit.fold(o0, common, g.H);
         }
-        emit.fold(reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y)), list, g.H);
     }
 }
 

@@ -341,7 +341,8 @@ void runs(bool dilate, int C, const T* src, int ss, T* dst, int ds, int w, int h
     const size_t stride = (sizeof(T) * C * static_cast<size_t>(w) + 31) & ~size_t(31);
     for (int r = 0; r < m; ++r) {
         const int len = sh->pRunLength[r];
-        fns[r] = k.row[op][layoutIndex(isFloat, C)][(w >= 2 * len && len < 16) ? len : 0];
+        // A run of one pixel is the source row itself: read it in place.
+        fns[r] = len == 1 ? nullptr : k.row[op][layoutIndex(isFloat, C)][(w >= 2 * len && len < 16) ? len : 0];
     }
     auto slot = [&](int j) { return store + static_cast<size_t>(j % hh) * m * stride; };
     int next = 0;
@@ -350,12 +351,14 @@ void runs(bool dilate, int C, const T* src, int ss, T* dst, int ds, int w, int h
         for (; next <= last; ++next) {
             const T* row = rowPtr(src, ss, next);
             Rvp8u* base = slot(next);
-            for (int r = 0; r < m; ++r) fns[r](row, base + r * stride, w, sh->pRunLength[r], sh->pRunOffset[r]);
+            for (int r = 0; r < m; ++r)
+                if (fns[r]) fns[r](row, base + r * stride, w, sh->pRunLength[r], sh->pRunOffset[r]);
         }
         for (int i = 0; i < n; ++i) {
             int j = y - ay + sh->pRowIndex[i];
             j = j < 0 ? 0 : j > h - 1 ? h - 1 : j;
-            list[i] = reinterpret_cast<const T*>(slot(j) + sh->pRowRun[i] * stride);
+            list[i] = fns[sh->pRowRun[i]] ? reinterpret_cast<const T*>(slot(j) + sh->pRowRun[i] * stride)
+                                          : rowPtr(src, ss, j);
         }
         k.fold[op][isFloat ? 1 : 0](reinterpret_cast<const void* const*>(list), n, rowPtr(dst, ds, y), w * C);
     }

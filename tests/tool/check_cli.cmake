@@ -40,3 +40,10 @@ expect(1 "cannot write" absdiff "${WORK}/small.pgm" "${WORK}/small.pgm" "${WORK}
 expect(2 "usage: rvpcv absdiff" absdiff "${WORK}/small.pgm")
 expect(2 "unknown command" frobnicate)
 expect(2 "--threads" --threads 0 absdiff)
+
+# Morphology.
+expect(0 "" erode "${WORK}/demo/scene.png" "${WORK}/eroded.png" --mask disk:2)
+expect(0 "" dilate "${WORK}/demo/scene.png" "${WORK}/dilated.pgm" --mask rect:5x3)
+expect(1 "unknown mask" erode "${WORK}/small.pgm" "${WORK}/o.png" --mask blob:3)
+expect(1 "rect:WxH" dilate "${WORK}/small.pgm" "${WORK}/o.png" --mask rect:0x3)
+expect(2 "usage: rvpcv erode" erode "${WORK}/small.pgm" "${WORK}/o.png")
