@@ -6,10 +6,12 @@
 #include <cfloat>
 #include <functional>
 
+#include "morph_support.h"
 #include "reference/ref_morphology.h"
 #include "support/rvtest.h"
 
 using namespace rvtest;
+using morphtest::planeOf;
 
 namespace {
 
@@ -41,13 +43,6 @@ const Form<Rvp32f> k32f[] = {
     {rvpiFilterMaxBorderReplicate_32f_C4R, rvpiFilterMaxGetBufferSize_32f_C4R, 4, true, false},
 };
 
-template <class T> ref::Plane<T> planeOf(const Image<T>& im, int channels) {
-    ref::Plane<T> p(im.width(), im.height(), channels);
-    const auto b = im.bytes();
-    std::memcpy(p.v.data(), b.data(), b.size());
-    return p;
-}
-
 // Runs one filter on a random image and compares it with the reference.
 template <class T>
 void runCase(const Form<T>& f, int w, int h, int pad, int W, int H, int ax, int ay, uint32_t seed) {
@@ -62,13 +57,7 @@ void runCase(const Form<T>& f, int w, int h, int pad, int W, int H, int ax, int 
               rvpStsNoErr);
     ASSERT_TRUE(dst.guardsIntact());
     const ref::Plane<T> want = ref::minMaxFilter(planeOf(src, f.channels), W, H, ax, ay, f.isMax, f.smallTable);
-    const auto got = dst.bytes();
-    ASSERT_EQ(got.size(), want.v.size() * sizeof(T));
-    for (size_t i = 0; i < want.v.size(); ++i) {
-        T g;
-        std::memcpy(&g, got.data() + i * sizeof(T), sizeof(T));
-        ASSERT_EQ(g, want.v[i]) << "sample " << i << " (x " << i / f.channels % w << ", y " << i / f.channels / w << ")";
-    }
+    morphtest::expectSame(dst, want);
 }
 
 struct Geometry { int w, h, pad; };

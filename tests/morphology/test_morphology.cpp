@@ -9,10 +9,12 @@
 #include <functional>
 
 #include "../../src/morphology/rvcvmorph.h"
+#include "morph_support.h"
 #include "reference/ref_morphology.h"
 #include "support/rvtest.h"
 
 using namespace rvtest;
+using morphtest::planeOf;
 
 namespace {
 
@@ -84,13 +86,6 @@ const Layout<Rvp32f> k32f[] = {
     {4, false, rvpiMorphologyInitAlloc_32f_C4R, rvpiDilateBorderReplicate_32f_C4R, rvpiErodeBorderReplicate_32f_C4R},
 };
 
-template <class T> ref::Plane<T> planeOf(const Image<T>& im, int channels) {
-    ref::Plane<T> p(im.width(), im.height(), channels);
-    const auto b = im.bytes();
-    std::memcpy(p.v.data(), b.data(), b.size());
-    return p;
-}
-
 template <class T>
 void compare(const Layout<T>& L, const MaskCase& mc, int w, int h, int pad, uint32_t seed) {
     RvpiMorphState* st = nullptr;
@@ -106,12 +101,7 @@ void compare(const Layout<T>& L, const MaskCase& mc, int w, int h, int pad, uint
                   rvpStsNoErr);
         ASSERT_TRUE(dst.guardsIntact());
         const auto want = ref::morphology(sp, mc.m, mc.W, mc.H, mc.ax, mc.ay, dilate, L.smallTable);
-        const auto got = dst.bytes();
-        for (size_t i = 0; i < want.v.size(); ++i) {
-            T g;
-            std::memcpy(&g, got.data() + i * sizeof(T), sizeof(T));
-            ASSERT_EQ(g, want.v[i]) << "x " << i / L.channels % w << " y " << i / L.channels / w;
-        }
+        morphtest::expectSame(dst, want);
     }
     EXPECT_EQ(rvpiMorphologyFree(st), rvpStsNoErr);
 }
