@@ -20,6 +20,17 @@ namespace {
 struct OpMin { template <class X> static X f(X a, X b) { return a < b ? a : b; } };
 struct OpMax { template <class X> static X f(X a, X b) { return a > b ? a : b; } };
 
+// Extremum of N values as a balanced tree, so independent comparisons can
+// run side by side instead of in one chain.
+template <class Op, int N> struct TreeExt {
+    template <class V> static V of(const V* v) {
+        return Op::f(TreeExt<Op, N / 2>::of(v), TreeExt<Op, N - N / 2>::of(v + N / 2));
+    }
+};
+template <class Op> struct TreeExt<Op, 1> {
+    template <class V> static V of(const V* v) { return v[0]; }
+};
+
 // The value that leaves every sample unchanged: 255 or +FLT_MAX for Min, 0 or -FLT_MAX for Max.
 template <class T, class Op> T neutral() {
     return std::is_same<Op, OpMin>::value ? std::numeric_limits<T>::max() : std::numeric_limits<T>::lowest();
@@ -47,8 +58,9 @@ inline void foldN(const T* const* r, T* d, int n) {
     constexpr int L = lanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) {
-        Vec<T> acc = Op::f(loadv<Vec<T>>(r[0] + j), loadv<Vec<T>>(r[1] + j));
-        for (int i = 2; i < N; ++i) acc = Op::f(acc, loadv<Vec<T>>(r[i] + j));
+        Vec<T> v[N];
+        for (int i = 0; i < N; ++i) v[i] = loadv<Vec<T>>(r[i] + j);
+        const Vec<T> acc = TreeExt<Op, N>::of(v);
         if (NT) streamv(d + j, acc); else storev(d + j, acc);
     }
     for (; j < n; ++j) {
@@ -121,9 +133,9 @@ void middleDirect(const T* s, T* d, int n) {
     constexpr int L = lanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) {
-        Vec<T> acc = loadv<Vec<T>>(s + j);
-        for (int i = 1; i < W; ++i) acc = Op::f(acc, loadv<Vec<T>>(s + j + i * C));
-        storev(d + j, acc);
+        Vec<T> v[W];
+        for (int i = 0; i < W; ++i) v[i] = loadv<Vec<T>>(s + j + i * C);
+        storev(d + j, TreeExt<Op, W>::of(v));
     }
     for (; j < n; ++j) {
         T acc = s[j];
