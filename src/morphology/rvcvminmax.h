@@ -20,6 +20,9 @@ using MinMaxColumnFn = void (*)(const void* src, int srcStep, void* dst, int dst
 using MinMaxFoldFn = void (*)(const void* const* rows, int n, void* dst, int samples);
 // One output row of the direct structuring-element kernel: topLeft is the
 // padded source under mask cell (0, 0) for output 0; cells hold 16 bytes each.
+// dst = the run (len, off) of src from prev, the row of the run (len - 2,
+// off - 1) of the same source row.
+using MorphGrowFn = void (*)(const void* src, const void* prev, void* dst, int width, int len, int off);
 using MorphDirectFn = void (*)(const void* topLeft, int step, void* dst, int width, const void* cells, int maskW,
                                int maskH);
 
@@ -34,6 +37,7 @@ struct MinMaxKernels {
     MinMaxFoldFn fold[2][2];          // [op][0: 8u, 1: 32f]
     MinMaxRowFn row16u[2][2];         // [op][0: length 3, 1: running extremum]
     MinMaxRowFn row64f[2][2];
+    MorphGrowFn grow[2][6];           // [op][layout]
     MorphDirectFn direct[2][6];       // [0 erode, 1 dilate][layout]
 };
 

@@ -422,6 +422,37 @@ void column(const void* src, int srcStep, void* dst, int dstStep, RvpiSize roi, 
     if (emit.big) _mm_sfence();
 }
 
+// ---- Runs of the run decomposition --------------------------------------------
+// A run one pixel longer on each side than a shorter run of the same row:
+// the shorter run's row and two more source columns (disks, diamonds).
+// Pixels where the longer run leaves the row use clamped columns.
+template <class T, class Op, int C>
+void growRun(const void* sv, const void* pv, void* dv, int w, int len, int off) {
+    const T* s = static_cast<const T*>(sv);
+    const T* prev = static_cast<const T*>(pv);
+    T* d = static_cast<T*>(dv);
+    constexpr int VL = lanes<T>();
+    const int lo = -off * C, hi = (len - 1 - off) * C;
+    const int xb = off, xe = w - len + off;
+    int t = xb * C;
+    const int t1 = (xe + 1) * C;
+    for (; t + VL <= t1; t += VL)
+        storev(d + t, Op::f(loadv<Vec<T>>(prev + t), Op::f(loadv<Vec<T>>(s + t + lo), loadv<Vec<T>>(s + t + hi))));
+    for (; t < t1; ++t) d[t] = Op::f(prev[t], Op::f(s[t + lo], s[t + hi]));
+    auto edge = [&](int x) {
+        for (int ch = 0; ch < C; ++ch) {
+            T acc = neutral<T, Op>();
+            for (int i = 0; i < len; ++i) {
+                const int c = x - off + i;
+                acc = Op::f(acc, s[(c < 0 ? 0 : c > w - 1 ? w - 1 : c) * C + ch]);
+            }
+            d[x * C + ch] = acc;
+        }
+    };
+    for (int x = 0; x < xb && x < w; ++x) edge(x);
+    for (int x = xe + 1 > xb ? xe + 1 : xb; x < w; ++x) edge(x);
+}
+
 // ---- Direct structuring-element kernels ------------------------------------------
 // 8u: dilation is the maximum of (sample AND cell), erosion the minimum of
 // (sample OR cell). 32f: dilation the maximum of min(sample, cell), erosion
@@ -504,6 +535,12 @@ void fillOp(MinMaxKernels& k) {
     fillRows<float, Op, 4>(k.row[O][5], nullptr);
     fillColumns<uint8_t, Op>(k.column[O][0]);
     fillColumns<float, Op>(k.column[O][1]);
+    k.grow[O][0] = growRun<uint8_t, Op, 1>;
+    k.grow[O][1] = growRun<uint8_t, Op, 3>;
+    k.grow[O][2] = growRun<uint8_t, Op, 4>;
+    k.grow[O][3] = growRun<float, Op, 1>;
+    k.grow[O][4] = growRun<float, Op, 3>;
+    k.grow[O][5] = growRun<float, Op, 4>;
     k.fold[O][0] = foldEntry<uint8_t, Op>;
     k.fold[O][1] = foldEntry<float, Op>;
     k.row16u[O][0] = rowFixed<uint16_t, Op, 1, 3>;

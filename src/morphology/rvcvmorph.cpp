@@ -345,14 +345,24 @@ void runs(bool dilate, int C, const T* src, int ss, T* dst, int ds, int w, int h
         fns[r] = len == 1 ? nullptr : k.row[op][layoutIndex(isFloat, C)][(w >= 2 * len && len < 16) ? len : 0];
     }
     auto slot = [&](int j) { return store + static_cast<size_t>(j % hh) * m * stride; };
+    const MorphGrowFn grow = k.grow[op][layoutIndex(isFloat, C)];
     int next = 0;
     for (int y = 0; y < h; ++y) {
         const int last = y - ay + hh - 1 < h - 1 ? y - ay + hh - 1 : h - 1;
         for (; next <= last; ++next) {
             const T* row = rowPtr(src, ss, next);
             Rvp8u* base = slot(next);
-            for (int r = 0; r < m; ++r)
-                if (fns[r]) fns[r](row, base + r * stride, w, sh->pRunLength[r], sh->pRunOffset[r]);
+            // Shortest first, so a run one pixel wider on each side than the
+            // next shorter one grows from it.
+            for (int r = m - 1; r >= 0; --r) {
+                if (!fns[r]) continue;
+                const int len = sh->pRunLength[r], off = sh->pRunOffset[r];
+                if (r + 1 < m && sh->pRunLength[r + 1] == len - 2 && sh->pRunOffset[r + 1] == off - 1)
+                    grow(row, fns[r + 1] ? static_cast<const void*>(base + (r + 1) * stride) : row, base + r * stride, w,
+                         len, off);
+                else
+                    fns[r](row, base + r * stride, w, len, off);
+            }
         }
         for (int i = 0; i < n; ++i) {
             int j = y - ay + sh->pRowIndex[i];
