@@ -388,8 +388,129 @@ RVPAPI RvpStatus rvpiGenSobelKernel_16s(Rvp16s* pDst, int kernelSize, int dx, in
 RVPAPI RvpStatus rvpiGenSobelKernel_32f(Rvp32f* pDst, int kernelSize, int dx, int sign);
 
 /* ---- Structuring-element morphology ----------------------------------- */
+/* A mask analysed once into a state block that holds pointers into itself
+ * (never copy or move it). Records made by InitAlloc go back through
+ * rvpiMorphologyFree; Init builds in the caller's memory. */
+typedef struct RvpiMorphState RvpiMorphState;
+/* Bytes of the state for this mask analysed with the centred anchor
+ * (maskSize.width / 2, maskSize.height / 2). Another anchor given to Init can
+ * need more. Statuses: NullPtr (pMask, then pSize), Size (roiWidth or mask
+ * size below 1), MemAlloc. */
+RVPAPI RvpStatus rvpiMorphologyGetSize_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphologyGetSize_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphologyGetSize_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphologyGetSize_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphologyGetSize_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphologyGetSize_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+/* Build the state in the caller's memory (Init) or in a new block (InitAlloc).
+ * roiWidth is the widest image the state accepts. The mask is one byte a cell,
+ * set when non-zero, also for 32f. Statuses: NullPtr (pMask), Size (roiWidth
+ * or mask size below 1), Anchor (anchor outside the mask), MemAlloc, NullPtr
+ * (pState / ppState), MemAlloc. */
+RVPAPI RvpStatus rvpiMorphologyInit_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+RVPAPI RvpStatus rvpiMorphologyInit_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+RVPAPI RvpStatus rvpiMorphologyInit_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+RVPAPI RvpStatus rvpiMorphologyInit_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+RVPAPI RvpStatus rvpiMorphologyInit_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+RVPAPI RvpStatus rvpiMorphologyInit_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiMorphologyInitAlloc_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphState** ppState);
+/* Releases a block made by InitAlloc. Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiMorphologyFree(RvpiMorphState* pState);
+/* dst(x, y) = max (dilate) or min (erode) of src(clamp(x + c - ax), clamp(y + r - ay))
+ * over the set cells (c, r); the mask is not mirrored. An empty mask copies.
+ * pSrc and pDst must not overlap. borderType must be rvpBorderRepl. Statuses:
+ * NullPtr, Size, Step, NotEvenStep (32f), BadArg (borderType, state of another
+ * layout), Size (width above the state's roiWidth). */
+RVPAPI RvpStatus rvpiDilateBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiDilateBorderReplicate_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiDilateBorderReplicate_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiDilateBorderReplicate_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiDilateBorderReplicate_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiDilateBorderReplicate_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                 int borderType, RvpiMorphState* pState);
+RVPAPI RvpStatus rvpiErodeBorderReplicate_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize,
+                                                int borderType, RvpiMorphState* pState);
 
 /* ---- Min and max filters ---------------------------------------------- */
+/* Scratch bytes for the filters below: 2*H*(roiWidth*pixelBytes + 32) + 32 + 32*H
+ * for a mask of height H, the same for Min and Max. Statuses: NullPtr, Size
+ * (roiWidth below 1), MaskSize. */
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_8u_C1R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_8u_C3R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_8u_C4R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_32f_C1R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_32f_C3R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMaxGetBufferSize_32f_C4R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_8u_C1R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_8u_C3R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_8u_C4R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_32f_C1R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_32f_C3R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFilterMinGetBufferSize_32f_C4R(int roiWidth, RvpiSize maskSize, int* pBufferSize);
+/* dst(x, y) = max or min of src over columns x - ax .. x - ax + W - 1 and rows
+ * y - ay .. y - ay + H - 1, clamped to the image (replicated border). On
+ * images of at most 16384 bytes the 8u C4 and 32f C1 forms shorten masks of
+ * even width 8 to 14 by their rightmost column (to the left of the anchor
+ * when the anchor is the last column, the first output column then holding
+ * 255 / FLT_MAX for Min, 0 / -FLT_MAX for Max), and masks of width 16 or more
+ * to 15 columns, when the image is at least twice as wide as the mask.
+ * Statuses: NullPtr, Size, MaskSize, Anchor, Step, NotEvenStep (32f). */
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMaxBorderReplicate_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFilterMinBorderReplicate_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+        RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
 
 /* ---- Morphological reconstruction ------------------------------------- */
 

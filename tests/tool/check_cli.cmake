@@ -86,3 +86,9 @@ expect(1 "--low takes a number" canny "${WORK}/demo/scene.png" "${WORK}/edges.pn
 expect(1 "--sobel takes 3 or 5" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1 --high 3 --sobel 7)
 expect(1 "cannot open" canny "${WORK}/missing.png" "${WORK}/edges.png" --low 1 --high 3)
 expect(2 "usage: rvpcv canny" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1)
+# Morphology.
+expect(0 "" erode "${WORK}/demo/scene.png" "${WORK}/eroded.png" --mask disk:2)
+expect(0 "" dilate "${WORK}/demo/scene.png" "${WORK}/dilated.pgm" --mask rect:5x3)
+expect(1 "unknown mask" erode "${WORK}/small.pgm" "${WORK}/o.png" --mask blob:3)
+expect(1 "rect:WxH" dilate "${WORK}/small.pgm" "${WORK}/o.png" --mask rect:0x3)
+expect(2 "usage: rvpcv erode" erode "${WORK}/small.pgm" "${WORK}/o.png")

@@ -1,0 +1,3 @@
+// Min/max and direct morphology kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "rvcvminmax_k.h"

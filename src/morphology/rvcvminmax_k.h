@@ -1,0 +1,576 @@
+// Min/max kernels written once over sample type, channel count and the
+// extremum, compiled per instruction set (see rvcvsimd.h). A row runs a
+// scalar running extremum at both edges and vectors over samples in the
+// middle: direct for short masks, doubling windows in a stack block for
+// longer ones. Columns keep a ring of reduced rows; short masks fold it
+// directly, long ones use a block-wise running extremum (about three
+// comparisons a sample whatever the height).
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "rvcvminmax.h"
+#include "rvcvsimd.h"
+
+namespace rvcv {
+namespace RVCV_ISA_NS {
+namespace {
+
+struct OpMin { template <class X> static X f(X a, X b) { return a < b ? a : b; } };
+struct OpMax { template <class X> static X f(X a, X b) { return a > b ? a : b; } };
+
+// Extremum of N values as a balanced tree, so independent comparisons can
+// run side by side instead of in one chain.
+template <class Op, int N> struct TreeExt {
+    template <class V> static V of(const V* v) {
+        return Op::f(TreeExt<Op, N / 2>::of(v), TreeExt<Op, N - N / 2>::of(v + N / 2));
+    }
+};
+template <class Op> struct TreeExt<Op, 1> {
+    template <class V> static V of(const V* v) { return v[0]; }
+};
+
+// The value that leaves every sample unchanged: 255 or +FLT_MAX for Min, 0 or -FLT_MAX for Max.
+template <class T, class Op> T neutral() {
+    return std::is_same<Op, OpMin>::value ? std::numeric_limits<T>::max() : std::numeric_limits<T>::lowest();
+}
+
+template <class T> inline T* rowAt(T* base, int step, int y) {
+    using B = typename std::conditional<std::is_const<T>::value, const char, char>::type;
+    return reinterpret_cast<T*>(reinterpret_cast<B*>(base) + static_cast<ptrdiff_t>(step) * y);
+}
+
+// out[j] = ext(a[j], b[j]) walking forward, so out == a with b above a is a safe in-place update.
+template <class T, class Op, bool NT = false>
+inline void ext2(T* out, const T* a, const T* b, int n) {
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        const Vec<T> v = Op::f(loadv<Vec<T>>(a + j), loadv<Vec<T>>(b + j));
+        if (NT) streamv(out + j, v); else storev(out + j, v);
+    }
+    for (; j < n; ++j) out[j] = Op::f(a[j], b[j]);
+}
+
+template <class T, class Op, int N, bool NT>
+inline void foldN(const T* const* r, T* d, int n) {
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        Vec<T> v[N];
+        for (int i = 0; i < N; ++i) v[i] = loadv<Vec<T>>(r[i] + j);
+        const Vec<T> acc = TreeExt<Op, N>::of(v);
+        if (NT) streamv(d + j, acc); else storev(d + j, acc);
+    }
+    for (; j < n; ++j) {
+        T acc = Op::f(r[0][j], r[1][j]);
+        for (int i = 2; i < N; ++i) acc = Op::f(acc, r[i][j]);
+        d[j] = acc;
+    }
+}
+
+template <class T, bool NT> inline void copyRow(const T* s, T* d, int n) {
+    if (!NT) { std::memcpy(d, s, sizeof(T) * static_cast<size_t>(n)); return; }
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) streamv(d + j, loadv<Vec<T>>(s + j));
+    for (; j < n; ++j) d[j] = s[j];
+}
+
+// Extremum of rows[0..count) into d; rows 0 and 1 first, then the others.
+template <class T, class Op, bool NT>
+void foldRows(const T* const* r, int count, T* d, int n) {
+    switch (count) {
+    case 1: copyRow<T, NT>(r[0], d, n); return;
+    case 2: foldN<T, Op, 2, NT>(r, d, n); return;
+    case 3: foldN<T, Op, 3, NT>(r, d, n); return;
+    case 4: foldN<T, Op, 4, NT>(r, d, n); return;
+    case 5: foldN<T, Op, 5, NT>(r, d, n); return;
+    default: break;
+    }
+    foldN<T, Op, 5, NT>(r, d, n);
+    for (int i = 5; i < count; ++i) ext2<T, Op, false>(d, d, r[i], n);
+}
+
+template <class T, class Op> void foldEntry(const void* const* rows, int n, void* dst, int samples) {
+    foldRows<T, Op, false>(reinterpret_cast<const T* const*>(rows), n, static_cast<T*>(dst), samples);
+}
+
+// ---- Rows ----------------------------------------------------------------------
+// Outputs whose rectangle passes an end of the row: a running extremum from
+// sample 0 for the left ones, from the last sample backwards for the right ones.
+template <class T, class Op, int C>
+void rowEdges(const T* s, T* d, int w, int W, int a) {
+    const int xl = a < w ? a : w;
+    const long long xr0 = static_cast<long long>(w) - W + a + 1;
+    const int xr = static_cast<int>(xr0 > a ? xr0 : a);
+    for (int ch = 0; ch < C; ++ch) {
+        if (xl > 0) {
+            T run = s[ch];
+            long long j = 0;
+            for (int x = 0; x < xl; ++x) {
+                long long e = static_cast<long long>(x) - a + W - 1;
+                if (e > w - 1) e = w - 1;
+                for (; j < e; ++j) run = Op::f(run, s[(j + 1) * C + ch]);
+                d[x * C + ch] = run;
+            }
+        }
+        if (xr < w) {
+            T run = s[(w - 1) * C + ch];
+            int j = w - 1;
+            for (int x = w - 1; x >= xr; --x) {
+                const int b = x - a;
+                for (; j > b; --j) run = Op::f(run, s[(j - 1) * C + ch]);
+                d[x * C + ch] = run;
+            }
+        }
+    }
+}
+
+template <class T, class Op, int C, int W>
+void middleDirect(const T* s, T* d, int n) {
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        Vec<T> v[W];
+        for (int i = 0; i < W; ++i) v[i] = loadv<Vec<T>>(s + j + i * C);
+        storev(d + j, TreeExt<Op, W>::of(v));
+    }
+    for (; j < n; ++j) {
+        T acc = s[j];
+        for (int i = 1; i < W; ++i) acc = Op::f(acc, s[j + i * C]);
+        d[j] = acc;
+    }
+}
+
+// Windows of 2, 4, 8 ... pixels built in place in a stack block, then two
+// overlapping windows of the largest power of two give the W-pixel window.
+// W is 2 to 63.
+template <class T, class Op, int C>
+void middleDoubling(const T* s, T* d, int n, int W) {
+    constexpr int CH = 2048 / static_cast<int>(sizeof(T));
+    alignas(32) T buf[CH + 64 * C];
+    int m = 1;
+    while ((2 << m) <= W) ++m;
+    const int span = (W - (1 << m)) * C;
+    for (int s0 = 0; s0 < n; s0 += CH) {
+        const int cnt = n - s0 < CH ? n - s0 : CH;
+        int len = cnt + (W - 2) * C;
+        ext2<T, Op>(buf, s + s0, s + s0 + C, len);
+        for (int t = 2; t <= m; ++t) {
+            const int shift = (1 << (t - 1)) * C;
+            len -= shift;
+            ext2<T, Op>(buf, buf, buf + shift, len);
+        }
+        ext2<T, Op>(d + s0, buf, buf + span, cnt);
+    }
+}
+
+// Exact extremum over columns x - a .. x - a + W - 1 clamped to the row; W up to 63.
+template <class T, class Op, int C>
+void exactRow(const T* s, T* d, int w, int W, int a) {
+    if (W == 1) {
+        std::memcpy(d, s, sizeof(T) * C * static_cast<size_t>(w));
+        return;
+    }
+    rowEdges<T, Op, C>(s, d, w, W, a);
+    const int n = w - W + 1;
+    if (n <= 0) return;
+    T* dm = d + a * C;
+    const int ns = n * C;
+    switch (W) {
+    case 2: middleDirect<T, Op, C, 2>(s, dm, ns); break;
+    case 3: middleDirect<T, Op, C, 3>(s, dm, ns); break;
+    case 4: middleDirect<T, Op, C, 4>(s, dm, ns); break;
+    case 5: middleDirect<T, Op, C, 5>(s, dm, ns); break;
+    default: middleDoubling<T, Op, C>(s, dm, ns, W); break;
+    }
+}
+
+// Running extremum for any width: exact up to 63 columns, then the row grows
+// in place by doubling, first to the left until the anchor is covered, then
+// to the right.
+template <class T, class Op, int C>
+void rowVH(const void* sv, void* dv, int w, int W, int a) {
+    const T* s = static_cast<const T*>(sv);
+    T* d = static_cast<T*>(dv);
+    if (W < 64) {
+        exactRow<T, Op, C>(s, d, w, W, a);
+        return;
+    }
+    int k = 63;
+    exactRow<T, Op, C>(s, d, w, 63, a < 62 ? a : 62);
+    const int n = w * C;
+    constexpr int L = lanes<T>();
+    while (a >= k) {
+        const int dd = a - k + 1 < k ? a - k + 1 : k;
+        const int sh = dd < w ? dd * C : n;
+        int j = n;
+        for (; j - L >= sh; j -= L) storev(d + j - L, Op::f(loadv<Vec<T>>(d + j - L), loadv<Vec<T>>(d + j - L - sh)));
+        for (--j; j >= sh; --j) d[j] = Op::f(d[j], d[j - sh]);
+        for (; j >= 0; --j) d[j] = Op::f(d[j], d[j % C]);
+        k += dd;
+    }
+    while (k < W) {
+        const int dd = W - k < k ? W - k : k;
+        const int sh = dd < w ? dd * C : n;
+        ext2<T, Op>(d, d, d + sh, n - sh);
+        for (int j = n - sh; j < n; ++j) d[j] = Op::f(d[j], d[n - C + j % C]);
+        k += dd;
+    }
+}
+
+// Kernels of fixed length N. Lengths 2 to 6 assume a mask of exactly N.
+// Lengths 7 to 13 shorten a wider mask to N columns; when the anchor lay
+// beyond column N - 1 the first output is the neutral value and the rest is
+// the row of one pixel less with the anchor at N - 1. Length 15 caps the
+// mask at 15 columns and the anchor at 14.
+template <class T, class Op, int C, int N>
+void rowFixed(const void* sv, void* dv, int w, int W, int a) {
+    const T* s = static_cast<const T*>(sv);
+    T* d = static_cast<T*>(dv);
+    if (N == 1) {
+        std::memcpy(d, s, sizeof(T) * C * static_cast<size_t>(w));
+    } else if (N <= 6) {
+        exactRow<T, Op, C>(s, d, w, N, a);
+    } else if (N == 15) {
+        if (W > 15) {
+            W = 15;
+            if (a > 14) a = 14;
+        }
+        exactRow<T, Op, C>(s, d, w, W, a);
+    } else {
+        if (W > N) {
+            W = N;
+            if (a > N - 1) {
+                for (int ch = 0; ch < C; ++ch) d[ch] = neutral<T, Op>();
+                a = N - 1;
+                d += C;
+                --w;
+            }
+        }
+        exactRow<T, Op, C>(s, d, w, W, a);
+    }
+}
+
+// ---- Columns -------------------------------------------------------------------
+// Two output rows share the H - 1 reduced rows common to both windows; the
+// row above the pair completes the first, the row below the second.
+template <class T, class Op, int NC, bool NT>
+void foldPairN(const T* const* c, const T* top, const T* bot, T* o0, T* o1, int n) {
+    constexpr int L = lanes<T>();
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        Vec<T> acc = loadv<Vec<T>>(c[0] + j);
+        for (int i = 1; i < NC; ++i) acc = Op::f(acc, loadv<Vec<T>>(c[i] + j));
+        const Vec<T> v0 = Op::f(acc, loadv<Vec<T>>(top + j)), v1 = Op::f(acc, loadv<Vec<T>>(bot + j));
+        if (NT) { streamv(o0 + j, v0); streamv(o1 + j, v1); }
+        else { storev(o0 + j, v0); storev(o1 + j, v1); }
+    }
+    for (; j < n; ++j) {
+        T acc = c[0][j];
+        for (int i = 1; i < NC; ++i) acc = Op::f(acc, c[i][j]);
+        o0[j] = Op::f(acc, top[j]);
+        o1[j] = Op::f(acc, bot[j]);
+    }
+}
+
+template <class T, class Op, bool NT>
+void foldPair(const T* const* c, int nc, const T* top, const T* bot, T* o0, T* o1, int n) {
+    switch (nc) {
+    case 1: foldPairN<T, Op, 1, NT>(c, top, bot, o0, o1, n); return;
+    case 2: foldPairN<T, Op, 2, NT>(c, top, bot, o0, o1, n); return;
+    case 3: foldPairN<T, Op, 3, NT>(c, top, bot, o0, o1, n); return;
+    default: foldPairN<T, Op, 4, NT>(c, top, bot, o0, o1, n); return;
+    }
+}
+
+struct ColumnArgs {
+    const char* src;
+    int srcStep;
+    char* dst;
+    int dstStep;
+    int w, h, C, W, ax, H, ay;
+    MinMaxRowFn row;
+    void** ptrs;
+};
+
+template <class T> bool streamingWorthIt(int w, int C, int h) {
+    const long long samples = static_cast<long long>(w) * C * h;
+    const long long cache = owncvGetCacheSize();
+    return samples >= (sizeof(T) == 1 ? cache / 2 : cache / 4);
+}
+
+template <class T, class Op> struct Emit {
+    bool big;
+    int n;
+    void fold(T* o, const T* const* r, int count) const {
+        if (big && aligned16(o)) foldRows<T, Op, true>(r, count, o, n);
+        else foldRows<T, Op, false>(r, count, o, n);
+    }
+    void pair(const T* const* c, int nc, const T* top, const T* bot, T* o0, T* o1) const {
+        if (big && aligned16(o0) && aligned16(o1)) foldPair<T, Op, true>(c, nc, top, bot, o0, o1, n);
+        else foldPair<T, Op, false>(c, nc, top, bot, o0, o1, n);
+    }
+    void two(T* o, const T* a, const T* b) const {
+        const T* r[2] = {a, b};
+        fold(o, r, 2);
+    }
+};
+
+// Short masks (H up to 5): a ring of H + 1 reduced rows, real row j in slot
+// j % (H + 1), rows outside the image read the nearest real row; output rows
+// are made two at a time.
+template <class T, class Op>
+void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit) {
+    if (g.H == 1) {
+        for (int y = 0; y < g.h; ++y) g.row(rowAt(g.src, g.srcStep, y), rowAt(g.dst, g.dstStep, y), g.w, g.W, g.ax);
+        return;
+    }
+    const int R = g.H + 1;
+    int next = 0;
+    auto rowOf = [&](int j) {
+        j = j < 0 ? 0 : j > g.h - 1 ? g.h - 1 : j;
+        return static_cast<const T*>(g.ptrs[j % R]);
+    };
+    const T* common[8];
+    for (int y = 0; y < g.h; y += 2) {
+        const int last = y - g.ay + g.H < g.h - 1 ? y - g.ay + g.H : g.h - 1;
+        for (; next <= last; ++next) g.row(rowAt(g.src, g.srcStep, next), g.ptrs[next % R], g.w, g.W, g.ax);
+        for (int i = 1; i < g.H; ++i) common[i - 1] = rowOf(y - g.ay + i);
+        const T* top = rowOf(y - g.ay);
+        T* o0 = reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y));
+        if (y + 1 < g.h) {
+            emit.pair(common, g.H - 1, top, rowOf(y - g.ay + g.H), o0, reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y + 1)));
+        } else {
+            common[g.H - 1] = top;
+            emit.fold(o0, common, g.H);
+        }
+    }
+}
+
+// Block-wise running extremum down the columns (H >= 6). A block of H
+// reduced rows p .. p+H-1 is turned in place into suffix extrema; a forward
+// running row F over rows p+H, p+H+1 ... completes each window, and every
+// row read for F goes into the slot its suffix just freed, ready for the next
+// block, which starts at p + H + 1. Rows above and below the image are
+// copies of the first and last reduced rows, kept in two spare slots.
+template <class T, class Op>
+void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit) {
+    const int H = g.H, h = g.h, ns = g.w * g.C;
+    const size_t rb = sizeof(T) * static_cast<size_t>(ns);
+    T** blk = reinterpret_cast<T**>(g.ptrs) + 2 * H;
+    for (int i = 0; i < H; ++i) blk[i] = static_cast<T*>(g.ptrs[i]);
+    T* F = static_cast<T*>(g.ptrs[H]);
+    T* top = static_cast<T*>(g.ptrs[H + 1]);
+    T* bottom = h == 1 ? top : static_cast<T*>(g.ptrs[H + 2]);
+    g.row(g.src, top, g.w, g.W, g.ax);
+    auto load = [&](long long i, T* slot) {
+        if (i <= 0) {
+            std::memcpy(slot, top, rb);
+        } else if (i < h - 1) {
+            g.row(rowAt(g.src, g.srcStep, static_cast<int>(i)), slot, g.w, g.W, g.ax);
+        } else if (i == h - 1) {
+            g.row(rowAt(g.src, g.srcStep, static_cast<int>(i)), bottom, g.w, g.W, g.ax);
+            std::memcpy(slot, bottom, rb);
+        } else {
+            std::memcpy(slot, bottom, rb);
+        }
+    };
+    auto out = [&](int y) { return reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y)); };
+    long long p = -g.ay;
+    int y = 0;
+    for (int j = 0; j < H; ++j) load(p + j, blk[j]);
+    for (;;) {
+        for (int j = H - 2; j >= 1; --j) ext2<T, Op>(blk[j], blk[j], blk[j + 1], ns);
+        emit.two(out(y), blk[1], blk[0]);
+        if (++y == h) return;
+        load(p + H, F);
+        for (int j = 1; j < H; ++j) {
+            emit.two(out(y), blk[j], F);
+            if (++y == h) return;
+            load(p + H + j, blk[j]);
+            if (j < H - 1) {
+                ext2<T, Op>(F, F, blk[j], ns);
+            } else {
+                emit.two(out(y), F, blk[j]);
+                if (++y == h) return;
+            }
+        }
+        T* t = blk[0];
+        for (int j = 0; j < H - 1; ++j) blk[j] = blk[j + 1];
+        blk[H - 1] = t;
+        load(p + 2 * H, blk[H - 1]);
+        p += H + 1;
+    }
+}
+
+// Index 1: the row function straight from each source row to its output row.
+template <class T, class Op, int Kind>
+void column(const void* src, int srcStep, void* dst, int dstStep, RvpiSize roi, int channels, RvpiSize mask,
+            RvpiPoint anchor, MinMaxRowFn row, void** ptrs) {
+    const ColumnArgs g{static_cast<const char*>(src), srcStep, static_cast<char*>(dst), dstStep, roi.width,
+                       roi.height, channels, mask.width, anchor.x, mask.height, anchor.y, row, ptrs};
+    if (Kind == 1) {
+        for (int y = 0; y < g.h; ++y) row(rowAt(g.src, srcStep, y), rowAt(g.dst, dstStep, y), g.w, g.W, g.ax);
+        return;
+    }
+    const Emit<T, Op> emit{streamingWorthIt<T>(g.w, g.C, g.h), g.w * g.C};
+    if (g.H <= 5) columnDirect<T, Op>(g, emit);
+    else columnRunning<T, Op>(g, emit);
+    if (emit.big) _mm_sfence();
+}
+
+// ---- Runs of the run decomposition --------------------------------------------
+// A run one pixel longer on each side than a shorter run of the same row:
+// the shorter run's row and two more source columns (disks, diamonds).
+// Pixels where the longer run leaves the row use clamped columns.
+template <class T, class Op, int C>
+void growRun(const void* sv, const void* pv, void* dv, int w, int len, int off) {
+    const T* s = static_cast<const T*>(sv);
+    const T* prev = static_cast<const T*>(pv);
+    T* d = static_cast<T*>(dv);
+    constexpr int VL = lanes<T>();
+    const int lo = -off * C, hi = (len - 1 - off) * C;
+    const int xb = off, xe = w - len + off;
+    int t = xb * C;
+    const int t1 = (xe + 1) * C;
+    for (; t + VL <= t1; t += VL)
+        storev(d + t, Op::f(loadv<Vec<T>>(prev + t), Op::f(loadv<Vec<T>>(s + t + lo), loadv<Vec<T>>(s + t + hi))));
+    for (; t < t1; ++t) d[t] = Op::f(prev[t], Op::f(s[t + lo], s[t + hi]));
+    auto edge = [&](int x) {
+        for (int ch = 0; ch < C; ++ch) {
+            T acc = neutral<T, Op>();
+            for (int i = 0; i < len; ++i) {
+                const int c = x - off + i;
+                acc = Op::f(acc, s[(c < 0 ? 0 : c > w - 1 ? w - 1 : c) * C + ch]);
+            }
+            d[x * C + ch] = acc;
+        }
+    };
+    for (int x = 0; x < xb && x < w; ++x) edge(x);
+    for (int x = xe + 1 > xb ? xe + 1 : xb; x < w; ++x) edge(x);
+}
+
+// ---- Direct structuring-element kernels ------------------------------------------
+// 8u: dilation is the maximum of (sample AND cell), erosion the minimum of
+// (sample OR cell). 32f: dilation the maximum of min(sample, cell), erosion
+// the minimum of max(sample, cell); a set cell thus clamps infinities to the
+// largest finite value.
+template <class T, bool Dilate> struct DirectOp;
+template <bool Dilate> struct DirectOp<uint8_t, Dilate> {
+    template <class X> static X cell(X s, X c) { return Dilate ? (s & c) : (s | c); }
+    template <class X> static X ext(X a, X b) { return Dilate ? OpMax::f(a, b) : OpMin::f(a, b); }
+    static uint8_t start() { return Dilate ? 0 : 255; }
+};
+template <bool Dilate> struct DirectOp<float, Dilate> {
+    template <class X> static X cell(X s, X c) { return Dilate ? OpMin::f(s, c) : OpMax::f(s, c); }
+    template <class X> static X ext(X a, X b) { return Dilate ? OpMax::f(a, b) : OpMin::f(a, b); }
+    static float start() { return Dilate ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity(); }
+};
+
+template <class T, int C, bool Dilate>
+void direct(const void* topLeft, int step, void* dv, int width, const void* cells, int mW, int mH) {
+    using O = DirectOp<T, Dilate>;
+    constexpr int L = lanes<T>();
+    const char* base = static_cast<const char*>(topLeft);
+    const uint8_t* cb = static_cast<const uint8_t*>(cells);
+    T* d = static_cast<T*>(dv);
+    const int n = width * C;
+    auto cellValue = [&](int r, int c) {
+        T v;
+        std::memcpy(&v, cb + (static_cast<size_t>(r) * mW + c) * 16, sizeof v);
+        return v;
+    };
+    int j = 0;
+    for (; j + L <= n; j += L) {
+        Vec<T> acc = splat<Vec<T>>(O::start());
+        for (int r = 0; r < mH; ++r) {
+            const T* row = reinterpret_cast<const T*>(base + static_cast<ptrdiff_t>(step) * r) + j;
+            for (int c = 0; c < mW; ++c)
+                acc = O::ext(acc, O::cell(loadv<Vec<T>>(row + c * C), splat<Vec<T>>(cellValue(r, c))));
+        }
+        storev(d + j, acc);
+    }
+    for (; j < n; ++j) {
+        T acc = O::start();
+        for (int r = 0; r < mH; ++r) {
+            const T* row = reinterpret_cast<const T*>(base + static_cast<ptrdiff_t>(step) * r) + j;
+            for (int c = 0; c < mW; ++c) acc = O::ext(acc, O::cell(row[c * C], cellValue(r, c)));
+        }
+        d[j] = acc;
+    }
+}
+
+// ---- Tables ----------------------------------------------------------------------
+template <class T, class Op, int C>
+void fillRows(MinMaxRowFn* plain, MinMaxRowFn* small) {
+    MinMaxRowFn vh = rowVH<T, Op, C>;
+    const MinMaxRowFn p[16] = {vh, rowFixed<T, Op, C, 1>, rowFixed<T, Op, C, 2>, rowFixed<T, Op, C, 3>,
+                               rowFixed<T, Op, C, 4>, rowFixed<T, Op, C, 5>, rowFixed<T, Op, C, 6>,
+                               rowFixed<T, Op, C, 7>, vh, rowFixed<T, Op, C, 9>, vh, rowFixed<T, Op, C, 11>, vh,
+                               rowFixed<T, Op, C, 13>, vh, rowFixed<T, Op, C, 15>};
+    for (int i = 0; i < 16; ++i) plain[i] = p[i];
+    if (small) {
+        for (int i = 0; i < 16; ++i) small[i] = p[i];
+        for (int i = 8; i <= 14; i += 2) small[i] = p[i - 1];
+    }
+}
+
+template <class T, class Op>
+void fillColumns(MinMaxColumnFn* c) {
+    MinMaxColumnFn vh = column<T, Op, 0>;
+    const MinMaxColumnFn t[8] = {vh, column<T, Op, 1>, vh, column<T, Op, 3>, vh, column<T, Op, 5>, vh, vh};
+    for (int i = 0; i < 8; ++i) c[i] = t[i];
+}
+
+template <class Op, int O>
+void fillOp(MinMaxKernels& k) {
+    fillRows<uint8_t, Op, 1>(k.row[O][0], nullptr);
+    fillRows<uint8_t, Op, 3>(k.row[O][1], nullptr);
+    fillRows<uint8_t, Op, 4>(k.row[O][2], k.rowSmall[O][0]);
+    fillRows<float, Op, 1>(k.row[O][3], k.rowSmall[O][1]);
+    fillRows<float, Op, 3>(k.row[O][4], nullptr);
+    fillRows<float, Op, 4>(k.row[O][5], nullptr);
+    fillColumns<uint8_t, Op>(k.column[O][0]);
+    fillColumns<float, Op>(k.column[O][1]);
+    k.grow[O][0] = growRun<uint8_t, Op, 1>;
+    k.grow[O][1] = growRun<uint8_t, Op, 3>;
+    k.grow[O][2] = growRun<uint8_t, Op, 4>;
+    k.grow[O][3] = growRun<float, Op, 1>;
+    k.grow[O][4] = growRun<float, Op, 3>;
+    k.grow[O][5] = growRun<float, Op, 4>;
+    k.fold[O][0] = foldEntry<uint8_t, Op>;
+    k.fold[O][1] = foldEntry<float, Op>;
+    k.row16u[O][0] = rowFixed<uint16_t, Op, 1, 3>;
+    k.row16u[O][1] = rowVH<uint16_t, Op, 1>;
+    k.row64f[O][0] = rowFixed<double, Op, 1, 3>;
+    k.row64f[O][1] = rowVH<double, Op, 1>;
+}
+
+template <bool D>
+void fillDirect(MorphDirectFn* t) {
+    t[0] = direct<uint8_t, 1, D>;
+    t[1] = direct<uint8_t, 3, D>;
+    t[2] = direct<uint8_t, 4, D>;
+    t[3] = direct<float, 1, D>;
+    t[4] = direct<float, 3, D>;
+    t[5] = direct<float, 4, D>;
+}
+
+MinMaxKernels build() {
+    MinMaxKernels k{};
+    fillOp<OpMin, kOpMin>(k);
+    fillOp<OpMax, kOpMax>(k);
+    fillDirect<false>(k.direct[0]);
+    fillDirect<true>(k.direct[1]);
+    return k;
+}
+
+}  // namespace
+
+extern const MinMaxKernels kMinMax = build();
+
+}  // namespace RVCV_ISA_NS
+}  // namespace rvcv

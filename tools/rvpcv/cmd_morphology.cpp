@@ -1,0 +1,100 @@
+// erode, dilate: structuring-element morphology of 8-bit gray or colour
+// images with a rectangle, disk or cross, anchored at the centre.
+#include <cstdlib>
+#include <cstring>
+
+#include "commands.h"
+
+namespace tool {
+namespace {
+
+struct Element {
+    int w = 0, h = 0;
+    std::vector<Rvp8u> cells;
+};
+
+// "rect:WxH", "disk:R" (cells within distance R of the centre) or "cross:R"
+// (the centre row and column of a (2R+1)-square).
+bool parseMask(const std::string& spec, Element& e, std::string& error) {
+    const size_t colon = spec.find(':');
+    const std::string kind = spec.substr(0, colon), arg = colon == std::string::npos ? "" : spec.substr(colon + 1);
+    char* end = nullptr;
+    const long a = std::strtol(arg.c_str(), &end, 10);
+    if (kind == "rect") {
+        const long b = *end == 'x' ? std::strtol(end + 1, &end, 10) : 0;
+        if (a < 1 || b < 1 || a > 1000 || b > 1000 || *end) {
+            error = "a rectangle is rect:WxH with sides from 1 to 1000, not '" + spec + "'";
+            return false;
+        }
+        e.w = static_cast<int>(a), e.h = static_cast<int>(b);
+        e.cells.assign(static_cast<size_t>(a * b), 1);
+        return true;
+    }
+    if ((kind == "disk" || kind == "cross") && !arg.empty() && !*end && a >= 0 && a <= 200) {
+        const int r = static_cast<int>(a);
+        e.w = e.h = 2 * r + 1;
+        for (int y = -r; y <= r; ++y)
+            for (int x = -r; x <= r; ++x)
+                e.cells.push_back(kind == "disk" ? (x * x + y * y <= r * r) : (x == 0 || y == 0));
+        return true;
+    }
+    error = "unknown mask '" + spec + "': use rect:WxH, disk:R or cross:R (R from 0 to 200)";
+    return false;
+}
+
+RvpStatus apply(bool dilate, const Picture& in, Picture& out, const Element& e) {
+    const RvpiSize roi{in.width, in.height}, mask{e.w, e.h};
+    const RvpiPoint anchor{e.w / 2, e.h / 2};
+    RvpiMorphState* st = nullptr;
+    RvpStatus s = in.channels == 3 ? rvpiMorphologyInitAlloc_8u_C3R(in.width, e.cells.data(), mask, anchor, &st)
+                  : in.channels == 4 ? rvpiMorphologyInitAlloc_8u_C4R(in.width, e.cells.data(), mask, anchor, &st)
+                                     : rvpiMorphologyInitAlloc_8u_C1R(in.width, e.cells.data(), mask, anchor, &st);
+    if (s != rvpStsNoErr) return s;
+    auto fn = in.channels == 3 ? (dilate ? rvpiDilateBorderReplicate_8u_C3R : rvpiErodeBorderReplicate_8u_C3R)
+              : in.channels == 4 ? (dilate ? rvpiDilateBorderReplicate_8u_C4R : rvpiErodeBorderReplicate_8u_C4R)
+                                 : (dilate ? rvpiDilateBorderReplicate_8u_C1R : rvpiErodeBorderReplicate_8u_C1R);
+    s = fn(in.data.data(), in.rowBytes(), out.data.data(), out.rowBytes(), roi, rvpBorderRepl, st);
+    rvpiMorphologyFree(st);
+    return s;
+}
+
+int run(bool dilate, const Command& cmd, const Args& args) {
+    if (args.size() != 4 || args[2] != "--mask") return usage(cmd);
+    Element e;
+    std::string error;
+    if (!parseMask(args[3], e, error)) return fail(error);
+    Picture in;
+    if (!load(args[0], in)) return 1;
+    if (in.depth != 8) return fail("'" + args[0] + "' has 16-bit samples; " + cmd.name + " takes 8-bit images");
+    Picture out = makePicture(in.width, in.height, in.channels, 8);
+    const RvpStatus st = apply(dilate, in, out, e);
+    if (st != rvpStsNoErr) return fail(std::string(cmd.name) + " failed: " + statusText(st));
+    return store(args[1], out) ? 0 : 1;
+}
+
+int runErode(const Args& args);
+int runDilate(const Args& args);
+const Command kErode{"erode", "IN OUT --mask rect:WxH|disk:R|cross:R",
+                     "minimum over a structuring element centred on each pixel", runErode};
+const Command kDilate{"dilate", "IN OUT --mask rect:WxH|disk:R|cross:R",
+                      "maximum over a structuring element centred on each pixel", runDilate};
+int runErode(const Args& args) { return run(false, kErode, args); }
+int runDilate(const Args& args) { return run(true, kDilate, args); }
+
+bool demo(const DemoContext& ctx, std::string& what) {
+    Element e;
+    std::string error;
+    if (!parseMask("disk:3", e, error)) return false;
+    Picture eroded = makePicture(ctx.gray.width, ctx.gray.height, 1, 8), dilated = eroded;
+    if (apply(false, ctx.gray, eroded, e) != rvpStsNoErr || apply(true, ctx.gray, dilated, e) != rvpStsNoErr)
+        return false;
+    what = "erode.png, dilate.png (disk of radius 3)";
+    return ctx.save("erode.png", eroded) && ctx.save("dilate.png", dilated);
+}
+
+const RegisterCommand kRegErode(kErode);
+const RegisterCommand kRegDilate(kDilate);
+const RegisterDemoStep kStep({40, "morphology", demo});
+
+}  // namespace
+}  // namespace tool
