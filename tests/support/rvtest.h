@@ -45,7 +45,7 @@ public:
     T& at(int x, int y, int ch = 0) { return row(y)[x * c_ + ch]; }
     const T& at(int x, int y, int ch = 0) const { return row(y)[x * c_ + ch]; }
 
-    template <class Gen> void fill(Gen gen) {
+    template <class Gen> void fill(Gen&& gen) {  // by reference: successive fills continue the sequence
         for (int y = 0; y < h_; ++y)
             for (int x = 0; x < w_ * c_; ++x) row(y)[x] = gen();
     }
