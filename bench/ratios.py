@@ -13,11 +13,20 @@ def main(path):
     with open(path) as f:
         data = json.load(f)
     times = defaultdict(dict)
+    seen = {}
     for b in data["benchmarks"]:
-        if b.get("run_type", "iteration") != "iteration":
-            continue
-        op, impl, size, threads = b["name"].split("/")[:4]
+        # Medians of repetitions when present, else the single run.
+        if b.get("run_type") == "aggregate":
+            if b.get("aggregate_name") != "median":
+                continue
+            name = b["run_name"]
+        else:
+            name = b["name"]
+            if "median" in seen.get(name, ""):
+                continue
+        op, impl, size, threads = name.split("/")[:4]
         times[(op, size, threads)][impl] = b["real_time"]
+        seen[name] = b.get("aggregate_name", "")
     print("| operation | size | threads | rvp (us) | peer (us) | rvp/peer | rvp/memcpy |")
     print("|---|---|---|---|---|---|---|")
     for (op, size, threads), t in sorted(times.items()):

@@ -106,26 +106,41 @@ inline int maxCacheBytes() {
 }
 
 // ---- Regions -----------------------------------------------------------------
-// Band region. The master reads the real team size, splits height into equal
-// bands and gives the leftover rows to the last thread; all meet at a barrier
-// before reading the split. body(y0, rows) is called by each thread that has
-// at least one row. A runtime that declines to fork runs it once with n = 1.
+// Every threaded family goes through splitRegion: one OpenMP region of the
+// requested size in which the master reads the real team size and splits
+// `height` into equal bands, the leftover rows all going to the last thread;
+// the team meets at a barrier before anyone reads the split. A runtime that
+// declines to fork runs the body once with n = 1.
+struct BandSplit {
+    int n = 1, rowsPerThread = 0, rowsLeft = 0;
+    int firstRow(int id) const { return wmul(rowsPerThread, id); }
+    int rows(int id) const { return id == n - 1 ? rowsPerThread + rowsLeft : rowsPerThread; }
+};
+
+// body(id, split) runs on every thread of the team; returns the split used.
 template <class Body>
-void bandRegion(int height, int requested, Body&& body) {
-    int n = 1, rowsPerThread = height, rowsLeft = 0;
+BandSplit splitRegion(int height, int requested, Body&& body) {
+    BandSplit split;
 #pragma omp parallel num_threads(requested > 0 ? requested : 1)
     {
 #pragma omp master
         {
-            n = owncvGetNumThreads();
-            rowsPerThread = height / n;
-            rowsLeft = height % n;
+            split.n = owncvGetNumThreads();
+            split.rowsPerThread = height / split.n;
+            split.rowsLeft = height % split.n;
         }
 #pragma omp barrier
-        const int id = owncvGetIdThreads();
-        const int rows = id == n - 1 ? rowsPerThread + rowsLeft : rowsPerThread;
-        if (rows > 0) body(wmul(rowsPerThread, id), rows);
+        body(owncvGetIdThreads(), static_cast<const BandSplit&>(split));
     }
+    return split;
+}
+
+// Band region: body(y0, rows) on each thread that has at least one row.
+template <class Body>
+void bandRegion(int height, int requested, Body&& body) {
+    splitRegion(height, requested, [&](int id, const BandSplit& s) {
+        if (s.rows(id) > 0) body(s.firstRow(id), s.rows(id));
+    });
 }
 
 // Threshold of the pixel-wise families (absolute difference, accumulation):
@@ -157,21 +172,10 @@ T reductionRegion(int height, int requested, T identity, Body&& body, Combine&& 
         if (heap) slots = static_cast<T*>(heap);
         else requested = kStackSlots;
     }
-    int n = 1, rowsPerThread = height, rowsLeft = 0;
-#pragma omp parallel num_threads(requested > 0 ? requested : 1)
-    {
-#pragma omp master
-        {
-            n = owncvGetNumThreads();
-            rowsPerThread = height / n;
-            rowsLeft = height % n;
-        }
-#pragma omp barrier
-        const int id = owncvGetIdThreads();
+    const int n = splitRegion(height, requested, [&](int id, const BandSplit& s) {
         slots[id] = identity;
-        const int rows = id == n - 1 ? rowsPerThread + rowsLeft : rowsPerThread;
-        if (rows > 0) body(wmul(rowsPerThread, id), rows, slots[id]);
-    }
+        if (s.rows(id) > 0) body(s.firstRow(id), s.rows(id), slots[id]);
+    }).n;
     T r = slots[0];
     if (n <= 17) {
         for (int i = 1; i < n; ++i) r = combine(r, slots[i]);
@@ -185,7 +189,7 @@ T reductionRegion(int height, int requested, T identity, Body&& body, Combine&& 
 }
 
 // Filter region. pBuffer was sized for the permitted thread count; each
-// thread takes an equal share of the one-call size. Bands read real source
+// thread takes an equal share (bufferBytes / n) of it. Bands read real source
 // rows across their seams: the first band gets the "rows below exist" flag,
 // the last "rows above exist", inner bands both. body(y0, rows, slice, flags).
 constexpr int kSeamAbove = rvpBorderInMemTop;
@@ -193,23 +197,12 @@ constexpr int kSeamBelow = rvpBorderInMemBottom;
 
 template <class Body>
 void filterRegion(int height, int requested, Rvp8u* pBuffer, int bufferBytes, Body&& body) {
-    int n = 1, rowsPerThread = height, rowsLeft = 0, share = bufferBytes;
-#pragma omp parallel num_threads(requested > 0 ? requested : 1)
-    {
-#pragma omp master
-        {
-            n = owncvGetNumThreads();
-            rowsPerThread = height / n;
-            rowsLeft = height % n;
-            share = bufferBytes / n;
-        }
-#pragma omp barrier
-        const int id = owncvGetIdThreads();
-        const int rows = id == n - 1 ? rowsPerThread + rowsLeft : rowsPerThread;
+    splitRegion(height, requested, [&](int id, const BandSplit& s) {
+        const int share = bufferBytes / s.n;
         int flags = 0;
-        if (n > 1) flags = id == 0 ? kSeamBelow : id == n - 1 ? kSeamAbove : (kSeamAbove | kSeamBelow);
-        if (rows > 0) body(wmul(rowsPerThread, id), rows, pBuffer + rowOffset(share, id), flags);
-    }
+        if (s.n > 1) flags = id == 0 ? kSeamBelow : id == s.n - 1 ? kSeamAbove : (kSeamAbove | kSeamBelow);
+        if (s.rows(id) > 0) body(s.firstRow(id), s.rows(id), pBuffer + rowOffset(share, id), flags);
+    });
 }
 
 // ---- Scaled integer results ---------------------------------------------------
