@@ -15,15 +15,15 @@ struct Element {
 
 // "rect:WxH", "disk:R" (cells within distance R of the centre) or "cross:R"
 // (the centre row and column of a (2R+1)-square).
-bool parseMask(const std::string& spec, Element& e, std::string& error) {
-    const size_t colon = spec.find(':');
-    const std::string kind = spec.substr(0, colon), arg = colon == std::string::npos ? "" : spec.substr(colon + 1);
+bool parseMask(const std::string& text, Element& e, std::string& error) {
+    const size_t colon = text.find(':');
+    const std::string kind = text.substr(0, colon), arg = colon == std::string::npos ? "" : text.substr(colon + 1);
     char* end = nullptr;
     const long a = std::strtol(arg.c_str(), &end, 10);
     if (kind == "rect") {
         const long b = *end == 'x' ? std::strtol(end + 1, &end, 10) : 0;
         if (a < 1 || b < 1 || a > 1000 || b > 1000 || *end) {
-            error = "a rectangle is rect:WxH with sides from 1 to 1000, not '" + spec + "'";
+            error = "a rectangle is rect:WxH with sides from 1 to 1000, not '" + text + "'";
             return false;
         }
         e.w = static_cast<int>(a), e.h = static_cast<int>(b);
@@ -38,7 +38,7 @@ bool parseMask(const std::string& spec, Element& e, std::string& error) {
                 e.cells.push_back(kind == "disk" ? (x * x + y * y <= r * r) : (x == 0 || y == 0));
         return true;
     }
-    error = "unknown mask '" + spec + "': use rect:WxH, disk:R or cross:R (R from 0 to 200)";
+    error = "unknown mask '" + text + "': use rect:WxH, disk:R or cross:R (R from 0 to 200)";
     return false;
 }
 
