@@ -94,25 +94,18 @@ INSTANTIATE_TEST_SUITE_P(All, CornerPaths, testing::ValuesIn(pathConfigs()), pat
 // floor on the vector lengths. A pure vertical step has no vertical
 // derivative: min(a, b) = 0 gives six zeros wherever e > 0.
 TEST(Corner, ConstantAndStepImages) {
-    for (const ref::Corner& k : kChoices) {
-        Image<Rvp8u> flat(23, 9);
-        flat.fill([] { return Rvp8u{77}; });
-        Image<Rvp8u> step(23, 9);
-        for (int y = 0; y < 9; ++y)
-            for (int x = 0; x < 23; ++x) step.at(x, y) = x < 11 ? 20 : 200;
-        for (float v : run(false, flat, k, 0)) EXPECT_EQ(v, 0.0f);
-        for (float v : run(true, flat, k, 0)) EXPECT_EQ(v, 0.0f);
-        for (float v : run(false, step, k, 0)) EXPECT_EQ(v, 0.0f);
-        const auto vv = run(true, step, k, 0);
-        for (float v : vv) EXPECT_EQ(v, 0.0f);
-        const auto mv = run(false, step, k, 0);
-        EXPECT_TRUE(sameBits(mv.data(), expected(false, step, k).data(), mv.size() * 4));
-    }
+    Image<Rvp8u> flat(23, 9), step(23, 9);
+    flat.fill([] { return Rvp8u{77}; });
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 23; ++x) step.at(x, y) = x < 11 ? 20 : 200;
+    for (const ref::Corner& k : kChoices)
+        for (const Image<Rvp8u>* im : {&flat, &step})
+            for (bool vecs : {false, true})
+                for (float v : run(vecs, *im, k, 0)) ASSERT_EQ(v, 0.0f);
 }
 
-// Scratch: padded width times height times the bytes of the five areas, the
-// alignment slack, and the largest filter buffer; Scharr is asked only for a
-// 3x3 window, and a Scharr call with a 5x5 window still fits.
+// Padded width x height x bytes of the five areas, alignment slack, and the
+// largest filter buffer asked; Scharr is asked only for a 3x3 window.
 TEST(Corner, BufferSize) {
     const RvpiSize s{37, 5};
     int n8 = 0, n32 = 0, sv = 0, sh = 0, cv = 0, ch = 0, lp = 0;
@@ -128,53 +121,49 @@ TEST(Corner, BufferSize) {
     rvpiFilterSobelHorizGetBufferSize_32f_C1R(s, 33, &sh);
     rvpiFilterLowpassGetBufferSize_32f_C1R(s, 55, &lp);
     EXPECT_EQ(n32, 48 * 5 * 20 + 224 + std::max({sv, sh, lp}));
-
-    int n = 0;
-    const int* null = nullptr;
-    EXPECT_EQ(rvpiMinEigenValGetBufferSize_32f_C1R(s, 3, 3, const_cast<int*>(null)), rvpStsNullPtrErr);
-    EXPECT_EQ(rvpiMinEigenValGetBufferSize_32f_C1R({0, 5}, 3, 3, &n), rvpStsSizeErr);
-    EXPECT_EQ(rvpiEigenValsVecsGetBufferSize_8u32f_C1R(s, 4, 3, &n), rvpStsSizeErr);
-    EXPECT_EQ(rvpiEigenValsVecsGetBufferSize_8u32f_C1R(s, 3, 7, &n), rvpStsSizeErr);
+    EXPECT_EQ(rvpiMinEigenValGetBufferSize_32f_C1R(s, 3, 3, nullptr), rvpStsNullPtrErr);
+    EXPECT_EQ(rvpiMinEigenValGetBufferSize_32f_C1R({0, 5}, 3, 3, &n32), rvpStsSizeErr);
+    EXPECT_EQ(rvpiEigenValsVecsGetBufferSize_8u32f_C1R(s, 3, 7, &n32), rvpStsSizeErr);
 }
 
 // One row per bad argument, in checking order; the output stays untouched.
+// nulls: 1 source, 2 output, 4 buffer.
 TEST(Corner, Validation) {
     struct Row {
         const char* what;
-        bool vecs, f32, nullSrc, nullDst, nullBuf;
-        int w, h, srcStep, dstStep, kern, ap, avg;
+        bool vecs, f32;
+        int nulls, w, srcStep, dstStep, kern, ap, avg;
         RvpStatus want;
     };
     const Row rows[] = {
-        {"null src", false, false, true, false, false, 8, 4, 8, 32, 0, 3, 3, rvpStsNullPtrErr},
-        {"null dst before size", true, true, false, true, false, 0, 4, 32, 192, 0, 3, 3, rvpStsNullPtrErr},
-        {"null buffer", false, true, false, false, true, 8, 4, 32, 32, 0, 3, 3, rvpStsNullPtrErr},
-        {"zero height", false, false, false, false, false, 8, 0, 8, 32, 0, 3, 3, rvpStsSizeErr},
-        {"8u src step", false, false, false, false, false, 8, 4, 7, 32, 0, 3, 3, rvpStsStepErr},
-        {"32f src step", false, true, false, false, false, 8, 4, 31, 32, 0, 3, 3, rvpStsStepErr},
-        {"min dst step", false, false, false, false, false, 8, 4, 8, 28, 0, 3, 3, rvpStsStepErr},
-        {"8u vecs dst step", true, false, false, false, false, 8, 4, 8, 188, 0, 3, 3, rvpStsStepErr},
-        {"32f vecs lax dst step", true, true, false, false, false, 8, 4, 32, 33, 0, 3, 3, rvpStsNotEvenStepErr},
-        {"odd dst step", false, false, false, false, false, 8, 4, 8, 34, 0, 3, 3, rvpStsNotEvenStepErr},
-        {"odd 32f src step", false, true, false, false, false, 8, 4, 34, 32, 0, 3, 3, rvpStsNotEvenStepErr},
-        {"sobel aperture", false, false, false, false, false, 8, 4, 9, 32, 0, 7, 3, rvpStsSizeErr},
-        {"scharr aperture 5", false, false, false, false, false, 8, 4, 9, 32, 1, 5, 3, rvpStsSizeErr},
-        {"kernType 2", false, false, false, false, false, 8, 4, 9, 32, 2, 5, 3, rvpStsBadArgErr},
-        {"kernType before window", true, true, false, false, false, 8, 4, 32, 32, -1, 3, 4, rvpStsBadArgErr},
-        {"window", true, false, false, false, false, 8, 4, 9, 192, 0, 3, 4, rvpStsSizeErr},
+        {"null src", false, false, 1, 8, 8, 32, 0, 3, 3, rvpStsNullPtrErr},
+        {"null dst before size", true, true, 2, 0, 32, 192, 0, 3, 3, rvpStsNullPtrErr},
+        {"null buffer", false, true, 4, 8, 32, 32, 0, 3, 3, rvpStsNullPtrErr},
+        {"zero width", false, false, 0, 0, 8, 32, 0, 3, 3, rvpStsSizeErr},
+        {"8u src step", false, false, 0, 8, 7, 32, 0, 3, 3, rvpStsStepErr},
+        {"32f src step", false, true, 0, 8, 31, 32, 0, 3, 3, rvpStsStepErr},
+        {"min dst step", false, false, 0, 8, 8, 28, 0, 3, 3, rvpStsStepErr},
+        {"8u vecs dst step", true, false, 0, 8, 8, 188, 0, 3, 3, rvpStsStepErr},
+        {"32f vecs lax dst step", true, true, 0, 8, 32, 33, 0, 3, 3, rvpStsNotEvenStepErr},
+        {"odd dst step", false, false, 0, 8, 8, 34, 0, 3, 3, rvpStsNotEvenStepErr},
+        {"odd 32f src step", false, true, 0, 8, 34, 32, 0, 3, 3, rvpStsNotEvenStepErr},
+        {"sobel aperture", false, false, 0, 8, 9, 32, 0, 7, 3, rvpStsSizeErr},
+        {"scharr aperture 5", false, false, 0, 8, 9, 32, 1, 5, 3, rvpStsSizeErr},
+        {"kernType 2", false, false, 0, 8, 9, 32, 2, 5, 3, rvpStsBadArgErr},
+        {"kernType before window", true, true, 0, 8, 32, 32, -1, 3, 4, rvpStsBadArgErr},
+        {"window", true, false, 0, 8, 9, 192, 0, 3, 4, rvpStsSizeErr},
     };
     std::vector<Rvp32f> src(1024, 1.0f);
     std::vector<Rvp8u> buf(1 << 16);
     for (const Row& r : rows) {
         std::vector<Rvp32f> dst(1024, 7.0f);
-        const RvpiSize s{r.w, r.h};
+        const RvpiSize s{r.w, 4};
         const ref::Corner k{r.kern, r.ap, r.avg};
-        Rvp32f* d = r.nullDst ? nullptr : dst.data();
-        Rvp8u* b = r.nullBuf ? nullptr : buf.data();
-        const RvpStatus st =
-            r.f32 ? corner(r.vecs, r.nullSrc ? nullptr : src.data(), r.srcStep, d, r.dstStep, s, k, b)
-                  : corner(r.vecs, r.nullSrc ? nullptr : reinterpret_cast<const Rvp8u*>(src.data()), r.srcStep, d,
-                           r.dstStep, s, k, b);
+        Rvp32f* d = r.nulls & 2 ? nullptr : dst.data();
+        Rvp8u* b = r.nulls & 4 ? nullptr : buf.data();
+        const Rvp32f* p = r.nulls & 1 ? nullptr : src.data();
+        const RvpStatus st = r.f32 ? corner(r.vecs, p, r.srcStep, d, r.dstStep, s, k, b)
+                                   : corner(r.vecs, reinterpret_cast<const Rvp8u*>(p), r.srcStep, d, r.dstStep, s, k, b);
         EXPECT_EQ(st, r.want) << r.what;
         EXPECT_TRUE(std::all_of(dst.begin(), dst.end(), [](float v) { return v == 7.0f; })) << r.what;
     }
