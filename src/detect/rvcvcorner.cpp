@@ -21,58 +21,44 @@ template <class P> P* alignUp32(P* p) {
 // Elements per padded intermediate row.
 inline int paddedWidth(int w) { return wadd(w, 15) & ~15; }
 
-// The filter set of one source type: derivatives in D (16s for 8u, 32f for 32f).
-struct Filters8u {
-    using S = Rvp8u;
-    using D = Rvp16s;
-    static constexpr int kBytesPerPixel = 16;  // dx, dy (2 + 2), three float products
-    static RvpStatus sobelVert(const S* s, int ss, D* d, int ds, RvpiSize r, int m, Rvp8u* b) {
-        return rvpiFilterSobelVertBorder_8u16s_C1R(s, ss, d, ds, r, m, kBorderRepl, 0, b);
-    }
-    static RvpStatus sobelHoriz(const S* s, int ss, D* d, int ds, RvpiSize r, int m, Rvp8u* b) {
-        return rvpiFilterSobelHorizBorder_8u16s_C1R(s, ss, d, ds, r, m, kBorderRepl, 0, b);
-    }
-    static RvpStatus scharrVert(const S* s, int ss, D* d, int ds, RvpiSize r, Rvp8u* b) {
-        return rvpiFilterScharrVertBorder_8u16s_C1R(s, ss, d, ds, r, kBorderRepl, 0, b);
-    }
-    static RvpStatus scharrHoriz(const S* s, int ss, D* d, int ds, RvpiSize r, Rvp8u* b) {
-        return rvpiFilterScharrHorizBorder_8u16s_C1R(s, ss, d, ds, r, kBorderRepl, 0, b);
-    }
-    static RvpStatus sobelVertSize(RvpiSize r, int m, int* n) { return rvpiFilterSobelVertGetBufferSize_8u16s_C1R(r, m, n); }
-    static RvpStatus sobelHorizSize(RvpiSize r, int m, int* n) { return rvpiFilterSobelHorizGetBufferSize_8u16s_C1R(r, m, n); }
-    static RvpStatus scharrVertSize(RvpiSize r, int* n) { return rvpiFilterScharrVertGetBufferSize_8u16s_C1R(r, n); }
-    static RvpStatus scharrHorizSize(RvpiSize r, int* n) { return rvpiFilterScharrHorizGetBufferSize_8u16s_C1R(r, n); }
-    static __m128 load4(const D* p) {  // four 16-bit derivatives widened to float
-        const __m128i v = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
-        return _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16));
-    }
+// The filter set of one source type S, derivatives in D (16s for 8u, 32f
+// for 32f); the border value has the source's type.
+template <class S_, class D_> struct FilterSet {
+    using S = S_;
+    using D = D_;
+    RvpStatus (*sobelVert)(const S*, int, D*, int, RvpiSize, int, int, S, Rvp8u*);
+    RvpStatus (*sobelHoriz)(const S*, int, D*, int, RvpiSize, int, int, S, Rvp8u*);
+    RvpStatus (*scharrVert)(const S*, int, D*, int, RvpiSize, int, S, Rvp8u*);
+    RvpStatus (*scharrHoriz)(const S*, int, D*, int, RvpiSize, int, S, Rvp8u*);
+    RvpStatus (*sobelVertSize)(RvpiSize, int, int*);
+    RvpStatus (*sobelHorizSize)(RvpiSize, int, int*);
+    RvpStatus (*scharrVertSize)(RvpiSize, int*);
+    RvpStatus (*scharrHorizSize)(RvpiSize, int*);
+    int bytesPerPixel;  // dx, dy and the three float products
 };
 
-struct Filters32f {
-    using S = Rvp32f;
-    using D = Rvp32f;
-    static constexpr int kBytesPerPixel = 20;
-    static RvpStatus sobelVert(const S* s, int ss, D* d, int ds, RvpiSize r, int m, Rvp8u* b) {
-        return rvpiFilterSobelVertBorder_32f_C1R(s, ss, d, ds, r, m, kBorderRepl, 0, b);
-    }
-    static RvpStatus sobelHoriz(const S* s, int ss, D* d, int ds, RvpiSize r, int m, Rvp8u* b) {
-        return rvpiFilterSobelHorizBorder_32f_C1R(s, ss, d, ds, r, m, kBorderRepl, 0, b);
-    }
-    static RvpStatus scharrVert(const S* s, int ss, D* d, int ds, RvpiSize r, Rvp8u* b) {
-        return rvpiFilterScharrVertBorder_32f_C1R(s, ss, d, ds, r, kBorderRepl, 0, b);
-    }
-    static RvpStatus scharrHoriz(const S* s, int ss, D* d, int ds, RvpiSize r, Rvp8u* b) {
-        return rvpiFilterScharrHorizBorder_32f_C1R(s, ss, d, ds, r, kBorderRepl, 0, b);
-    }
-    static RvpStatus sobelVertSize(RvpiSize r, int m, int* n) { return rvpiFilterSobelVertGetBufferSize_32f_C1R(r, m, n); }
-    static RvpStatus sobelHorizSize(RvpiSize r, int m, int* n) { return rvpiFilterSobelHorizGetBufferSize_32f_C1R(r, m, n); }
-    static RvpStatus scharrVertSize(RvpiSize r, int* n) { return rvpiFilterScharrVertGetBufferSize_32f_C1R(r, n); }
-    static RvpStatus scharrHorizSize(RvpiSize r, int* n) { return rvpiFilterScharrHorizGetBufferSize_32f_C1R(r, n); }
-    static __m128 load4(const D* p) { return _mm_load_ps(p); }
-};
+constexpr FilterSet<Rvp8u, Rvp16s> kFilters8u{
+    rvpiFilterSobelVertBorder_8u16s_C1R,         rvpiFilterSobelHorizBorder_8u16s_C1R,
+    rvpiFilterScharrVertBorder_8u16s_C1R,        rvpiFilterScharrHorizBorder_8u16s_C1R,
+    rvpiFilterSobelVertGetBufferSize_8u16s_C1R,  rvpiFilterSobelHorizGetBufferSize_8u16s_C1R,
+    rvpiFilterScharrVertGetBufferSize_8u16s_C1R, rvpiFilterScharrHorizGetBufferSize_8u16s_C1R,
+    16};
+constexpr FilterSet<Rvp32f, Rvp32f> kFilters32f{
+    rvpiFilterSobelVertBorder_32f_C1R,         rvpiFilterSobelHorizBorder_32f_C1R,
+    rvpiFilterScharrVertBorder_32f_C1R,        rvpiFilterScharrHorizBorder_32f_C1R,
+    rvpiFilterSobelVertGetBufferSize_32f_C1R,  rvpiFilterSobelHorizGetBufferSize_32f_C1R,
+    rvpiFilterScharrVertGetBufferSize_32f_C1R, rvpiFilterScharrHorizGetBufferSize_32f_C1R,
+    20};
+
+// Four derivatives as floats.
+inline __m128 load4(const Rvp16s* p) {
+    const __m128i v = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
+    return _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(v, v), 16));
+}
+inline __m128 load4(const Rvp32f* p) { return _mm_load_ps(p); }
 
 template <class F>
-RvpStatus bufferSize(RvpiSize roi, int apertureSize, int avgWindow, int* pBufferSize) {
+RvpStatus bufferSize(const F& f, RvpiSize roi, int apertureSize, int avgWindow, int* pBufferSize) {
     Check c;
     c.ptr(pBufferSize).size(roi);
     c.fail((apertureSize != 3 && apertureSize != 5) || (avgWindow != 3 && avgWindow != 5), rvpStsSizeErr);
@@ -82,16 +68,16 @@ RvpStatus bufferSize(RvpiSize roi, int apertureSize, int avgWindow, int* pBuffer
         if (st == rvpStsNoErr && n > largest) largest = n;
         return st;
     };
-    if (RvpStatus st = keep(F::sobelVertSize(roi, apertureSize * 11, &n))) return st;
-    if (RvpStatus st = keep(F::sobelHorizSize(roi, apertureSize * 11, &n))) return st;
+    if (RvpStatus st = keep(f.sobelVertSize(roi, apertureSize * 11, &n))) return st;
+    if (RvpStatus st = keep(f.sobelHorizSize(roi, apertureSize * 11, &n))) return st;
     // Scharr is asked on the smoothing window, not on the aperture; a Scharr
     // call with a 5x5 window lives on the Sobel sizes.
     if (avgWindow == 3) {
-        if (RvpStatus st = keep(F::scharrVertSize(roi, &n))) return st;
-        if (RvpStatus st = keep(F::scharrHorizSize(roi, &n))) return st;
+        if (RvpStatus st = keep(f.scharrVertSize(roi, &n))) return st;
+        if (RvpStatus st = keep(f.scharrHorizSize(roi, &n))) return st;
     }
     if (RvpStatus st = keep(rvpiFilterLowpassGetBufferSize_32f_C1R(roi, avgWindow * 11, &n))) return st;
-    const int area = wmul(paddedWidth(roi.width), roi.height, F::kBytesPerPixel);
+    const int area = wmul(paddedWidth(roi.width), roi.height, f.bytesPerPixel);
     *pBufferSize = wadd(wadd(area, 224), largest);
     return rvpStsNoErr;
 }
@@ -168,11 +154,11 @@ void calcValues(const Tensor& t, Rvp32f* pDst, int dstStep, RvpiSize roi, float 
 }
 
 // Derivatives to float, then the three products, over whole padded rows.
-template <class F>
-void ownMinEigenVal_C1R_M7(const typename F::D* dx, const typename F::D* dy, Rvp32f* xx, Rvp32f* xy, Rvp32f* yy,
+template <class D>
+void ownMinEigenVal_C1R_M7(const D* dx, const D* dy, Rvp32f* xx, Rvp32f* xy, Rvp32f* yy,
                            ptrdiff_t count) {
     for (ptrdiff_t i = 0; i < count; i += 4) {
-        const __m128 fx = F::load4(dx + i), fy = F::load4(dy + i);
+        const __m128 fx = load4(dx + i), fy = load4(dy + i);
         _mm_store_ps(xx + i, _mm_mul_ps(fx, fx));
         _mm_store_ps(xy + i, _mm_mul_ps(fx, fy));
         _mm_store_ps(yy + i, _mm_mul_ps(fy, fy));
@@ -181,9 +167,9 @@ void ownMinEigenVal_C1R_M7(const typename F::D* dx, const typename F::D* dy, Rvp
 
 enum class Finish { MinEigen, EigenVecs };
 
-template <class F, Finish K>
-RvpStatus corners(const typename F::S* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roi, int kernType,
-                  int apertureSize, int avgWindow, Rvp8u* pBuffer) {
+template <Finish K, class F>
+RvpStatus corners(const F& f, const typename F::S* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roi,
+                  int kernType, int apertureSize, int avgWindow, Rvp8u* pBuffer) {
     using S = typename F::S;
     using D = typename F::D;
     constexpr int srcBytes = static_cast<int>(sizeof(S));
@@ -220,14 +206,15 @@ RvpStatus corners(const typename F::S* pSrc, int srcStep, Rvp32f* pDst, int dstS
 
     RvpStatus st;
     if (kernType == 0) {
-        st = F::sobelVert(pSrc, srcStep, dx, derivStep, roi, apertureSize * 11, scratch);
-        if (st == rvpStsNoErr) st = F::sobelHoriz(pSrc, srcStep, dy, derivStep, roi, apertureSize * 11, scratch);
+        st = f.sobelVert(pSrc, srcStep, dx, derivStep, roi, apertureSize * 11, kBorderRepl, 0, scratch);
+        if (st == rvpStsNoErr)
+            st = f.sobelHoriz(pSrc, srcStep, dy, derivStep, roi, apertureSize * 11, kBorderRepl, 0, scratch);
     } else {
-        st = F::scharrVert(pSrc, srcStep, dx, derivStep, roi, scratch);
-        if (st == rvpStsNoErr) st = F::scharrHoriz(pSrc, srcStep, dy, derivStep, roi, scratch);
+        st = f.scharrVert(pSrc, srcStep, dx, derivStep, roi, kBorderRepl, 0, scratch);
+        if (st == rvpStsNoErr) st = f.scharrHoriz(pSrc, srcStep, dy, derivStep, roi, kBorderRepl, 0, scratch);
     }
     if (st != rvpStsNoErr) return st;
-    ownMinEigenVal_C1R_M7<F>(dx, dy, xx, xy, yy, count);
+    ownMinEigenVal_C1R_M7(dx, dy, xx, xy, yy, count);
 
     // In place on one thread; with more, out of place so the filter may run
     // bands: xx over dx (dx and dy together hold one float image), xy over
@@ -259,42 +246,42 @@ using namespace rvcv;
 
 RVCV_EXPORT RvpStatus rvpiEigenValsVecsGetBufferSize_8u32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow,
                                                                int* pBufferSize) {
-    return bufferSize<Filters8u>(roiSize, apertureSize, avgWindow, pBufferSize);
+    return bufferSize(kFilters8u, roiSize, apertureSize, avgWindow, pBufferSize);
 }
 RVCV_EXPORT RvpStatus rvpiEigenValsVecsGetBufferSize_32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow,
                                                              int* pBufferSize) {
-    return bufferSize<Filters32f>(roiSize, apertureSize, avgWindow, pBufferSize);
+    return bufferSize(kFilters32f, roiSize, apertureSize, avgWindow, pBufferSize);
 }
 RVCV_EXPORT RvpStatus rvpiMinEigenValGetBufferSize_8u32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow,
                                                              int* pBufferSize) {
-    return bufferSize<Filters8u>(roiSize, apertureSize, avgWindow, pBufferSize);
+    return bufferSize(kFilters8u, roiSize, apertureSize, avgWindow, pBufferSize);
 }
 RVCV_EXPORT RvpStatus rvpiMinEigenValGetBufferSize_32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow,
                                                            int* pBufferSize) {
-    return bufferSize<Filters32f>(roiSize, apertureSize, avgWindow, pBufferSize);
+    return bufferSize(kFilters32f, roiSize, apertureSize, avgWindow, pBufferSize);
 }
 
 RVCV_EXPORT RvpStatus rvpiEigenValsVecs_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pEigenVV, int eigenVVStep,
                                                   RvpiSize roiSize, int kernType, int apertureSize, int avgWindow,
                                                   Rvp8u* pBuffer) {
-    return corners<Filters8u, Finish::EigenVecs>(pSrc, srcStep, pEigenVV, eigenVVStep, roiSize, kernType,
+    return corners<Finish::EigenVecs>(kFilters8u, pSrc, srcStep, pEigenVV, eigenVVStep, roiSize, kernType,
                                                  apertureSize, avgWindow, pBuffer);
 }
 RVCV_EXPORT RvpStatus rvpiEigenValsVecs_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pEigenVV, int eigenVVStep,
                                                 RvpiSize roiSize, int kernType, int apertureSize, int avgWindow,
                                                 Rvp8u* pBuffer) {
-    return corners<Filters32f, Finish::EigenVecs>(pSrc, srcStep, pEigenVV, eigenVVStep, roiSize, kernType,
+    return corners<Finish::EigenVecs>(kFilters32f, pSrc, srcStep, pEigenVV, eigenVVStep, roiSize, kernType,
                                                   apertureSize, avgWindow, pBuffer);
 }
 RVCV_EXPORT RvpStatus rvpiMinEigenVal_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pMinEigenVal, int minValStep,
                                                 RvpiSize roiSize, int kernType, int apertureSize, int avgWindow,
                                                 Rvp8u* pBuffer) {
-    return corners<Filters8u, Finish::MinEigen>(pSrc, srcStep, pMinEigenVal, minValStep, roiSize, kernType,
+    return corners<Finish::MinEigen>(kFilters8u, pSrc, srcStep, pMinEigenVal, minValStep, roiSize, kernType,
                                                 apertureSize, avgWindow, pBuffer);
 }
 RVCV_EXPORT RvpStatus rvpiMinEigenVal_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pMinEigenVal, int minValStep,
                                               RvpiSize roiSize, int kernType, int apertureSize, int avgWindow,
                                               Rvp8u* pBuffer) {
-    return corners<Filters32f, Finish::MinEigen>(pSrc, srcStep, pMinEigenVal, minValStep, roiSize, kernType,
+    return corners<Finish::MinEigen>(kFilters32f, pSrc, srcStep, pMinEigenVal, minValStep, roiSize, kernType,
                                                  apertureSize, avgWindow, pBuffer);
 }
