@@ -201,7 +201,7 @@ RvpStatus corners(const F& f, const typename F::S* pSrc, int srcStep, Rvp32f* pD
     Rvp32f* xy = xx + count;
     Rvp32f* yy = xy + count;
     Rvp8u* scratch = reinterpret_cast<Rvp8u*>(yy + count);
-    const int derivStep = wr * static_cast<int>(sizeof(D)), floatStep = wr * 4;
+    const int derivStep = wmul(wr, static_cast<int>(sizeof(D))), floatStep = wmul(wr, 4);
     const bool threaded = owncvGetMaxNumThreads() > 1;
 
     RvpStatus st;
