@@ -533,6 +533,26 @@ RVPAPI RvpStatus rvpiCanny_32f8u_C1R(const Rvp32f* pSrcDx, int srcDxStep, const 
                                      Rvp32f highThresh, Rvp8u* pBuffer);
 
 /* ---- Corner responses ------------------------------------------------- */
+/* Bytes of scratch for the corner functions at roiSize, apertureSize and
+ * avgWindow (3 or 5). Statuses: NullPtr, Size, and those of the filters asked. */
+RVPAPI RvpStatus rvpiEigenValsVecsGetBufferSize_8u32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow, int* pBufferSize);
+RVPAPI RvpStatus rvpiEigenValsVecsGetBufferSize_32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow, int* pBufferSize);
+RVPAPI RvpStatus rvpiMinEigenValGetBufferSize_8u32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow, int* pBufferSize);
+RVPAPI RvpStatus rvpiMinEigenValGetBufferSize_32f_C1R(RvpiSize roiSize, int apertureSize, int avgWindow, int* pBufferSize);
+/* Per pixel, six floats l1, l2, x1, y1, x2, y2: eigenvalues (larger first) and
+ * unit eigenvectors of the avgWindow box-smoothed structure tensor of the
+ * derivatives (kernType 0 Sobel of apertureSize 3 or 5, 1 Scharr 3x3),
+ * replicated border. Statuses: NullPtr, Size, Step, NotEvenStep, BadArg
+ * (kernType), and those of the filters it runs. */
+RVPAPI RvpStatus rvpiEigenValsVecs_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pEigenVV, int eigenVVStep,
+    RvpiSize roiSize, int kernType, int apertureSize, int avgWindow, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiEigenValsVecs_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pEigenVV, int eigenVVStep,
+    RvpiSize roiSize, int kernType, int apertureSize, int avgWindow, Rvp8u* pBuffer);
+/* The smaller eigenvalue only (corner strength); arguments and statuses as above. */
+RVPAPI RvpStatus rvpiMinEigenVal_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pMinEigenVal, int minValStep,
+    RvpiSize roiSize, int kernType, int apertureSize, int avgWindow, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiMinEigenVal_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pMinEigenVal, int minValStep,
+    RvpiSize roiSize, int kernType, int apertureSize, int avgWindow, Rvp8u* pBuffer);
 
 /* ---- Integral images and rectangle deviation -------------------------- */
 /* Upright summed-area table of an 8-bit image: (W+1) x (H+1) elements, row 0

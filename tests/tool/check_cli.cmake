@@ -86,6 +86,15 @@ expect(1 "--low takes a number" canny "${WORK}/demo/scene.png" "${WORK}/edges.pn
 expect(1 "--sobel takes 3 or 5" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1 --high 3 --sobel 7)
 expect(1 "cannot open" canny "${WORK}/missing.png" "${WORK}/edges.png" --low 1 --high 3)
 expect(2 "usage: rvpcv canny" canny "${WORK}/demo/scene.png" "${WORK}/edges.png" --low 1)
+# corners
+if(NOT EXISTS "${WORK}/demo/corners.png")
+  message(FATAL_ERROR "demo did not write corners.png")
+endif()
+expect(0 "" corners "${WORK}/demo/scene.png" "${WORK}/corners.png" --aperture 5 --window 5)
+expect(0 "" corners --scharr "${WORK}/demo/scene.png" "${WORK}/corners.pgm")
+expect(1 "--scharr has aperture 3 only" corners --scharr --aperture 5 "${WORK}/demo/scene.png" "${WORK}/o.png")
+expect(1 "--window takes 3 or 5" corners "${WORK}/demo/scene.png" "${WORK}/o.png" --window 4)
+expect(2 "usage: rvpcv corners" corners "${WORK}/demo/scene.png")
 # Morphology.
 expect(0 "" erode "${WORK}/demo/scene.png" "${WORK}/eroded.png" --mask disk:2)
 expect(0 "" dilate "${WORK}/demo/scene.png" "${WORK}/dilated.pgm" --mask rect:5x3)

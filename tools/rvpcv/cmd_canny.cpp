@@ -16,39 +16,27 @@ struct Derivatives {
     std::vector<Rvp16s> dx, dy;
 };
 
-// Stand-in until the library's Sobel filters land: replace with
-// rvpiFilterSobel*Border_8u16s_C1R (replicated border) once they are on main.
-// Horizontal and vertical Sobel derivatives of an 8-bit image, y growing
-// downwards, replicated border; 5x5 is the smoothing 1 4 6 4 1 across the
-// derivative -1 -2 0 2 1.
-Derivatives sobelPlaceholder(const Picture& gray, int size) {
-    static const int smooth3[] = {1, 2, 1}, deriv3[] = {-1, 0, 1};
-    static const int smooth5[] = {1, 4, 6, 4, 1}, deriv5[] = {-1, -2, 0, 2, 1};
-    const int* smooth = size == 5 ? smooth5 : smooth3;
-    const int* deriv = size == 5 ? deriv5 : deriv3;
-    const int r = size / 2, w = gray.width, h = gray.height;
-    Derivatives d;
-    d.width = w, d.height = h;
-    d.dx.resize(static_cast<size_t>(w) * h);
+// Horizontal and vertical Sobel derivatives (3x3 or 5x5), x to the right and
+// y downwards, replicated border: the negated vertical-edge filter gives
+// right minus left, the horizontal-edge filter below minus above.
+RvpStatus derivatives(const Picture& gray, int size, Derivatives& d) {
+    const RvpiSize roi{gray.width, gray.height};
+    const int mask = size * 11;
+    int nx = 0, ny = 0;
+    RvpStatus st = rvpiFilterSobelNegVertGetBufferSize_8u16s_C1R(roi, mask, &nx);
+    if (st == rvpStsNoErr) st = rvpiFilterSobelHorizGetBufferSize_8u16s_C1R(roi, mask, &ny);
+    if (st != rvpStsNoErr) return st;
+    std::vector<Rvp8u> buffer(static_cast<size_t>(nx > ny ? nx : ny));
+    d.width = gray.width, d.height = gray.height;
+    d.dx.resize(static_cast<size_t>(gray.width) * gray.height);
     d.dy.resize(d.dx.size());
-    auto at = [&](int x, int y) {
-        x = x < 0 ? 0 : x >= w ? w - 1 : x;
-        y = y < 0 ? 0 : y >= h ? h - 1 : y;
-        return static_cast<int>(gray.data[static_cast<size_t>(y) * w + x]);
-    };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            int gx = 0, gy = 0;
-            for (int j = -r; j <= r; ++j)
-                for (int i = -r; i <= r; ++i) {
-                    const int p = at(x + i, y + j);
-                    gx += smooth[j + r] * deriv[i + r] * p;
-                    gy += deriv[j + r] * smooth[i + r] * p;
-                }
-            d.dx[static_cast<size_t>(y) * w + x] = static_cast<Rvp16s>(gx);
-            d.dy[static_cast<size_t>(y) * w + x] = static_cast<Rvp16s>(gy);
-        }
-    return d;
+    const int step = gray.width * static_cast<int>(sizeof(Rvp16s));
+    st = rvpiFilterSobelNegVertBorder_8u16s_C1R(gray.data.data(), gray.rowBytes(), d.dx.data(), step, roi, mask,
+                                                rvpBorderRepl, 0, buffer.data());
+    if (st == rvpStsNoErr)
+        st = rvpiFilterSobelHorizBorder_8u16s_C1R(gray.data.data(), gray.rowBytes(), d.dy.data(), step, roi, mask,
+                                                  rvpBorderRepl, 0, buffer.data());
+    return st;
 }
 
 // The detector's buffer, refused when its size does not fit an int.
@@ -103,7 +91,9 @@ int run(const Args& args) {
     if (!load(files[0], in)) return 1;
     Picture edges;
     std::string error;
-    const RvpStatus st = detect(sobelPlaceholder(toGray8(in), static_cast<int>(sobel)), low, high, edges, error);
+    Derivatives d;
+    RvpStatus st = derivatives(toGray8(in), static_cast<int>(sobel), d);
+    if (st == rvpStsNoErr) st = detect(d, low, high, edges, error);
     if (st != rvpStsNoErr) return fail("canny failed: " + (error.empty() ? statusText(st) : error));
     return store(files[1], edges) ? 0 : 1;
 }
@@ -111,7 +101,8 @@ int run(const Args& args) {
 bool demo(const DemoContext& ctx, std::string& what) {
     Picture edges;
     std::string error;
-    if (detect(sobelPlaceholder(ctx.gray, 3), 60, 180, edges, error) != rvpStsNoErr) return false;
+    Derivatives d;
+    if (derivatives(ctx.gray, 3, d) != rvpStsNoErr || detect(d, 60, 180, edges, error) != rvpStsNoErr) return false;
     what = "canny.png (3x3 Sobel, thresholds 60 and 180)";
     return ctx.save("canny.png", edges);
 }
