@@ -13,22 +13,16 @@ namespace {
 
 // Element-wise extremum primitives of each sample type.
 template <class T> struct Every;
-template <> struct Every<Rvp8u> {
-    static constexpr auto max = rvpsMaxEvery_8u, min = rvpsMinEvery_8u;
-    static constexpr auto maxI = rvpsMaxEvery_8u_I, minI = rvpsMinEvery_8u_I;
-};
-template <> struct Every<Rvp16u> {
-    static constexpr auto max = rvpsMaxEvery_16u, min = rvpsMinEvery_16u;
-    static constexpr auto maxI = rvpsMaxEvery_16u_I, minI = rvpsMinEvery_16u_I;
-};
-template <> struct Every<Rvp32f> {
-    static constexpr auto max = rvpsMaxEvery_32f, min = rvpsMinEvery_32f;
-    static constexpr auto maxI = rvpsMaxEvery_32f_I, minI = rvpsMinEvery_32f_I;
-};
-template <> struct Every<Rvp64f> {
-    static constexpr auto max = rvpsMaxEvery_64f, min = rvpsMinEvery_64f;
-    static constexpr auto maxI = rvpsMaxEvery_64f_I, minI = rvpsMinEvery_64f_I;
-};
+#define RVCV_EVERY(T, S)                                                              \
+    template <> struct Every<T> {                                                     \
+        static constexpr auto max = rvpsMaxEvery_##S, min = rvpsMinEvery_##S;         \
+        static constexpr auto maxI = rvpsMaxEvery_##S##_I, minI = rvpsMinEvery_##S##_I; \
+    };
+RVCV_EVERY(Rvp8u, 8u)
+RVCV_EVERY(Rvp16u, 16u)
+RVCV_EVERY(Rvp32f, 32f)
+RVCV_EVERY(Rvp64f, 64f)
+#undef RVCV_EVERY
 
 // The 3-wide extremum, anchor 1: the fixed-length kernel from 4 columns up,
 // the running-extremum kernel below that.
