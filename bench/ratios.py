@@ -33,7 +33,7 @@ def main(path):
         rvp = t.get("rvp")
         if rvp is None:
             continue
-        peer = t.get("cv")
+        peer = t.get("cv", t.get("queue"))
         mem = t.get("memcpy")
         fmt = lambda v: "-" if v is None else f"{v:.1f}"
         ratio = lambda v: "-" if v is None else f"{rvp / v:.2f}"

@@ -513,6 +513,35 @@ RVPAPI RvpStatus rvpiFilterMinBorderReplicate_32f_C4R(const Rvp32f* pSrc, int sr
         RvpiSize roiSize, RvpiSize maskSize, RvpiPoint anchor, Rvp8u* pBuffer);
 
 /* ---- Morphological reconstruction ------------------------------------- */
+/* Connectivity of the reconstruction: rvpiNormInf joins the 8 neighbours of a
+ * pixel, rvpiNormL1 the 4 that share a side. */
+typedef enum { rvpiNormInf = 0, rvpiNormL1 = 1 } RvpiNorm;
+/* Scratch bytes for a roiSize reconstruction: 8u 4w + h + 161, 16u 2(4w + h) + 322,
+ * 32f 16w + h + 164, 64f 32w + h + 168 (32-bit, wrapping). Statuses: NullPtr, Size. */
+RVPAPI RvpStatus rvpiMorphReconstructGetBufferSize_8u_C1(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiMorphReconstructGetBufferSize_16u_C1(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiMorphReconstructGetBufferSize_32f_C1(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiMorphReconstructGetBufferSize_64f_C1(RvpiSize roiSize, int* pBufferSize);
+/* Dilate: grows the marker pSrcDst under the mask pSrc until stable (the result
+ * is the reconstruction of min(marker, mask)); Erode: shrinks it above the mask
+ * (of max(marker, mask)). norm is rvpiNormInf or rvpiNormL1; pBuffer is scratch.
+ * Statuses: NullPtr, Size, Step, NotEvenStep (16u, 32f, 64f), BadArg (norm). */
+RVPAPI RvpStatus rvpiMorphReconstructDilate_8u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructDilate_16u_C1IR(const Rvp16u* pSrc, int srcStep, Rvp16u* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructDilate_32f_C1IR(const Rvp32f* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructDilate_64f_C1IR(const Rvp64f* pSrc, int srcStep, Rvp64f* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructErode_8u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructErode_16u_C1IR(const Rvp16u* pSrc, int srcStep, Rvp16u* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructErode_32f_C1IR(const Rvp32f* pSrc, int srcStep, Rvp32f* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
+RVPAPI RvpStatus rvpiMorphReconstructErode_64f_C1IR(const Rvp64f* pSrc, int srcStep, Rvp64f* pSrcDst, int srcDstStep,
+        RvpiSize roiSize, Rvp8u* pBuffer, int norm);
 
 /* ---- Canny edge detector ---------------------------------------------- */
 /* Bytes of scratch that rvpiCanny_* needs for a roiSize region (32-bit,
