@@ -77,10 +77,9 @@ TEST(Haar, RecordOrderAndHeader) {
     for (bool tilted : {false, true}) {
         auto s = make(in, tilted);
         const auto want = ref::records(in, tilted);
-        EXPECT_TRUE(s->numClassifiers == 6 && s->numRects == 15 && s->numRectsUsed == 15 && s->flags == (tilted ? 1u : 0u));
-        EXPECT_EQ(s->numTwoRect, tilted ? 0 : 2);
-        EXPECT_EQ(s->numTwoThreeRect, tilted ? 0 : 4);
-        EXPECT_EQ(s->allFirstWeightsMinusOne, 1);
+        EXPECT_EQ((std::array<int, 7>{s->numClassifiers, s->numRects, s->numRectsUsed, static_cast<int>(s->flags), s->numTwoRect,
+                                      s->numTwoThreeRect, s->allFirstWeightsMinusOne}),
+                  (std::array<int, 7>{6, 15, 15, tilted, tilted ? 0 : 2, tilted ? 0 : 4, 1}));
         const int order[6] = {2, 4, 1, 5, 0, 3};
         for (int c = 0; c < 6; ++c) {
             const auto& rec = s->pClassifiers[c];
