@@ -3,6 +3,7 @@
 // NaN in masked-out pixels, every dispatch level and thread counts 1, 2, 3, 8.
 #include <cmath>
 #include <functional>
+#include <type_traits>
 
 #include "reference/ref_accumulate.h"
 #include "accumulate/rvcvaccum.h"
@@ -15,43 +16,36 @@ namespace {
 
 // The arguments of one call; each form takes those it has.
 struct Args { const void *s1, *s2; int st1, st2; const Rvp8u* m; int sm; Rvp32f* d; int sd; RvpiSize r; float alpha; };
-template <class T> const T* src(const void* p) { return static_cast<const T*>(p); }
-template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, Rvp32f*, int, RvpiSize), const Args& a) {
-    return f(src<T>(a.s1), a.st1, a.d, a.sd, a.r);
-}
-template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize), const Args& a) {
-    return f(src<T>(a.s1), a.st1, a.m, a.sm, a.d, a.sd, a.r);
-}
-// Products take two sources (for 8u the masked one-source form has the same type).
-template <class T> RvpStatus invoke2(RvpStatus (*f)(const T*, int, const T*, int, Rvp32f*, int, RvpiSize), const Args& a) {
-    return f(src<T>(a.s1), a.st1, src<T>(a.s2), a.st2, a.d, a.sd, a.r);
-}
-template <class T>
-RvpStatus invoke2(RvpStatus (*f)(const T*, int, const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize), const Args& a) {
-    return f(src<T>(a.s1), a.st1, src<T>(a.s2), a.st2, a.m, a.sm, a.d, a.sd, a.r);
-}
-template <class T> RvpStatus invoke(RvpStatus (*f)(const T*, int, Rvp32f*, int, RvpiSize, Rvp32f), const Args& a) {
-    return f(src<T>(a.s1), a.st1, a.d, a.sd, a.r, a.alpha);
-}
-template <class T>
-RvpStatus invoke(RvpStatus (*f)(const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize, Rvp32f), const Args& a) {
-    return f(src<T>(a.s1), a.st1, a.m, a.sm, a.d, a.sd, a.r, a.alpha);
+
+// Calls a member with the arguments its form takes; Two marks the products,
+// whose 8u masked one-source twin has the same type.
+template <class T, bool Two, class F> RvpStatus invoke(F f, const Args& a) {
+    const T *s1 = static_cast<const T*>(a.s1), *s2 = static_cast<const T*>(a.s2);
+    if constexpr (Two && std::is_invocable_v<F, const T*, int, const T*, int, Rvp32f*, int, RvpiSize>)
+        return f(s1, a.st1, s2, a.st2, a.d, a.sd, a.r);
+    else if constexpr (Two) return f(s1, a.st1, s2, a.st2, a.m, a.sm, a.d, a.sd, a.r);
+    else if constexpr (std::is_invocable_v<F, const T*, int, Rvp32f*, int, RvpiSize>) return f(s1, a.st1, a.d, a.sd, a.r);
+    else if constexpr (std::is_invocable_v<F, const T*, int, Rvp32f*, int, RvpiSize, Rvp32f>)
+        return f(s1, a.st1, a.d, a.sd, a.r, a.alpha);
+    else if constexpr (std::is_invocable_v<F, const T*, int, const Rvp8u*, int, Rvp32f*, int, RvpiSize>)
+        return f(s1, a.st1, a.m, a.sm, a.d, a.sd, a.r);
+    else return f(s1, a.st1, a.m, a.sm, a.d, a.sd, a.r, a.alpha);
 }
 
 struct Member { const char* name; AccOp op; bool masked; int type; std::function<RvpStatus(const Args&)> call; };
-#define MEMBER(fn, op, masked, type, T, inv) {#fn, AccOp::op, masked, type, [](const Args& a) { return inv<T>(fn, a); }}
+#define MEMBER(fn, op, masked, type, T, two) {#fn, AccOp::op, masked, type, [](const Args& a) { return invoke<T, two>(fn, a); }}
 #define FAMILY(sfx, type, T)                                                                                          \
-    MEMBER(rvpiAdd_##sfx##_C1IMR, Add, true, type, T, invoke),                                                         \
-    MEMBER(rvpiAddSquare_##sfx##_C1IR, Square, false, type, T, invoke),                                                \
-    MEMBER(rvpiAddSquare_##sfx##_C1IMR, Square, true, type, T, invoke),                                                \
-    MEMBER(rvpiAddProduct_##sfx##_C1IR, Product, false, type, T, invoke2),                                             \
-    MEMBER(rvpiAddProduct_##sfx##_C1IMR, Product, true, type, T, invoke2),                                             \
-    MEMBER(rvpiAddWeighted_##sfx##_C1IR, Weighted, false, type, T, invoke),                                            \
-    MEMBER(rvpiAddWeighted_##sfx##_C1IMR, Weighted, true, type, T, invoke)
+    MEMBER(rvpiAdd_##sfx##_C1IMR, Add, true, type, T, false),                                                         \
+    MEMBER(rvpiAddSquare_##sfx##_C1IR, Square, false, type, T, false),                                                \
+    MEMBER(rvpiAddSquare_##sfx##_C1IMR, Square, true, type, T, false),                                                \
+    MEMBER(rvpiAddProduct_##sfx##_C1IR, Product, false, type, T, true),                                             \
+    MEMBER(rvpiAddProduct_##sfx##_C1IMR, Product, true, type, T, true),                                             \
+    MEMBER(rvpiAddWeighted_##sfx##_C1IR, Weighted, false, type, T, false),                                            \
+    MEMBER(rvpiAddWeighted_##sfx##_C1IMR, Weighted, true, type, T, false)
 const Member kMembers[] = {
-    MEMBER(rvpiAdd_8u32f_C1IR, Add, false, 0, Rvp8u, invoke),   FAMILY(8u32f, 0, Rvp8u),
-    MEMBER(rvpiAdd_8s32f_C1IR, Add, false, 1, Rvp8s, invoke),   FAMILY(8s32f, 1, Rvp8s),
-    MEMBER(rvpiAdd_16u32f_C1IR, Add, false, 2, Rvp16u, invoke), FAMILY(16u32f, 2, Rvp16u),
+    MEMBER(rvpiAdd_8u32f_C1IR, Add, false, 0, Rvp8u, false),   FAMILY(8u32f, 0, Rvp8u),
+    MEMBER(rvpiAdd_8s32f_C1IR, Add, false, 1, Rvp8s, false),   FAMILY(8s32f, 1, Rvp8s),
+    MEMBER(rvpiAdd_16u32f_C1IR, Add, false, 2, Rvp16u, false), FAMILY(16u32f, 2, Rvp16u),
     FAMILY(32f, 3, Rvp32f),
 };
 #undef FAMILY

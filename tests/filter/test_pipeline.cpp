@@ -91,12 +91,12 @@ template <class S, class D> struct ColCase {
     std::function<RvpStatus(const S**, D*, int, RvpiSize, const S*, int, int, Rvp8u*)> run;
 };
 
-#define COL_INT(form, D, kind, C) \
-    ColCase<Rvp16s, D>{kind, C, rvpiFilterColumnPipelineGetBufferSize_##form, rvpiFilterColumnPipeline_##form}
-#define COL_32F(form, C)                                                                                       \
-    ColCase<Rvp32f, Rvp32f>{ref::RowKind::F32, C, rvpiFilterColumnPipelineGetBufferSize_##form,                \
-                            [](const Rvp32f** pp, Rvp32f* d, int ds, RvpiSize roi, const Rvp32f* t, int k, int, \
-                               Rvp8u* b) { return rvpiFilterColumnPipeline_##form(pp, d, ds, roi, t, k, b); }}
+#define COL_INT(form, kind, C) {kind, C, rvpiFilterColumnPipelineGetBufferSize_##form, rvpiFilterColumnPipeline_##form}
+#define COL_32F(form, C)                                                                                              \
+    {ref::RowKind::F32, C, rvpiFilterColumnPipelineGetBufferSize_##form,                                              \
+     [](const Rvp32f** pp, Rvp32f* d, int ds, RvpiSize roi, const Rvp32f* t, int k, int, Rvp8u* b) {                  \
+         return rvpiFilterColumnPipeline_##form(pp, d, ds, roi, t, k, b);                                             \
+     }}
 
 template <class S, class D>
 void sweepColumns(const ColCase<S, D>& f, int lim, uint32_t seed, const std::vector<int>& widths, int h,
@@ -125,16 +125,12 @@ void sweepColumns(const ColCase<S, D>& f, int lim, uint32_t seed, const std::vec
         }
 }
 
-const auto kCol16s = COL_INT(16s_C1R, Rvp16s, ref::RowKind::S16, 1);
-const auto kCol16s3 = COL_INT(16s_C3R, Rvp16s, ref::RowKind::S16, 3);
-const auto kCol8s = COL_INT(16s8s_C1R, Rvp8s, ref::RowKind::S16, 1);
-const auto kCol8s3 = COL_INT(16s8s_C3R, Rvp8s, ref::RowKind::S16, 3);
-const auto kCol8u = COL_INT(16s8u_C1R, Rvp8u, ref::RowKind::S16, 1);
-const auto kCol8u3 = COL_INT(16s8u_C3R, Rvp8u, ref::RowKind::S16, 3);
-const auto kColLow = COL_INT(Low_16s_C1R, Rvp16s, ref::RowKind::Low, 1);
-const auto kColLow3 = COL_INT(Low_16s_C3R, Rvp16s, ref::RowKind::Low, 3);
-const auto kCol32f = COL_32F(32f_C1R, 1);
-const auto kCol32f3 = COL_32F(32f_C3R, 3);
+const ColCase<Rvp16s, Rvp16s> kCol16[] = {COL_INT(16s_C1R, ref::RowKind::S16, 1), COL_INT(16s_C3R, ref::RowKind::S16, 3),
+                                         COL_INT(Low_16s_C1R, ref::RowKind::Low, 1),
+                                         COL_INT(Low_16s_C3R, ref::RowKind::Low, 3)};
+const ColCase<Rvp16s, Rvp8s> kCol8s[] = {COL_INT(16s8s_C1R, ref::RowKind::S16, 1), COL_INT(16s8s_C3R, ref::RowKind::S16, 3)};
+const ColCase<Rvp16s, Rvp8u> kCol8u[] = {COL_INT(16s8u_C1R, ref::RowKind::S16, 1), COL_INT(16s8u_C3R, ref::RowKind::S16, 3)};
+const ColCase<Rvp32f, Rvp32f> kCol32f[] = {COL_32F(32f_C1R, 1), COL_32F(32f_C3R, 3)};
 
 const std::vector<int> kWidths{1, 2, 3, 4, 5, 8, 9, 11, 15, 16, 17, 18, 31, 33};
 const std::vector<int> kSizes{1, 2, 3, 4, 5, 6, 7, 8, 9};
@@ -152,18 +148,13 @@ TEST(RowPipeline, MatchesReference) {
 
 TEST(ColumnPipeline, MatchesReference) {
     const std::vector<int> widths{1, 2, 7, 8, 9, 16, 17, 33};
-    sweepColumns(kCol16s, 300, 1, widths, 5, kSizes);
-    sweepColumns(kCol16s3, 300, 2, widths, 5, kSizes);
-    sweepColumns(kCol8s, 5, 3, widths, 5, kSizes);
-    sweepColumns(kCol8s3, 5, 4, widths, 5, kSizes);
-    sweepColumns(kCol8u, 5, 5, widths, 5, kSizes);
-    sweepColumns(kCol8u3, 5, 6, widths, 5, kSizes);
-    sweepColumns(kColLow, 40, 7, widths, 5, kSizes);
-    sweepColumns(kColLow3, 40, 8, widths, 5, kSizes);
+    uint32_t seed = 1;
+    for (const auto& f : kCol16) sweepColumns(f, f.kind == ref::RowKind::Low ? 40 : 300, seed++, widths, 5, kSizes);
+    for (const auto& f : kCol8s) sweepColumns(f, 5, seed++, widths, 5, kSizes);
+    for (const auto& f : kCol8u) sweepColumns(f, 5, seed++, widths, 5, kSizes);
     for (rvcv::Isa isa : isaLevels()) {
         ScopedIsa scoped(isa);
-        sweepColumns(kCol32f, 2, 9, widths, 4, kSizes);
-        sweepColumns(kCol32f3, 2, 10, widths, 4, kSizes);
+        for (const auto& f : kCol32f) sweepColumns(f, 2, seed++, widths, 4, kSizes);
     }
 }
 
@@ -176,9 +167,9 @@ TEST_P(PipelineThreads, SameResultAtEveryThreadCount) {
     sweepRows(k16s[0], 50, 77, {700}, 400, {3, 7});
     sweepRows(k8u[1], 50, 78, {233}, 400, {3, 7});
     sweepRows(k32f[0], 2, 79, {700}, 400, {5, 11});
-    sweepColumns(kCol16s, 100, 81, {700}, 400, {3, 7});
-    sweepColumns(kCol8u3, 3, 82, {233}, 400, {5});
-    sweepColumns(kColLow, 100, 83, {700}, 400, {9});
+    sweepColumns(kCol16[0], 100, 81, {700}, 400, {3, 7});
+    sweepColumns(kCol8u[1], 3, 82, {233}, 400, {5});
+    sweepColumns(kCol16[2], 100, 83, {700}, 400, {9});
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, PipelineThreads, testing::ValuesIn(threadCounts()));

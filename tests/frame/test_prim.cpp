@@ -122,15 +122,6 @@ TEST(Primitives, BorderCopyValidation) {
 }
 
 TEST(Primitives, SubScaled) {
-    auto one = [](Rvp8u a, Rvp8u b, int sf) {
-        Rvp8u d = 0;
-        EXPECT_EQ(rvpiSub_8u_C1RSfs(&a, 1, &b, 1, &d, 1, {1, 1}, sf), rvpStsNoErr);
-        return static_cast<int>(d);
-    };
-    EXPECT_EQ(one(3, 8, 1), 2);  // 5 / 2 ties to even
-    EXPECT_EQ(one(3, 10, 1), 4);  // 7 / 2 ties to even
-    EXPECT_EQ(one(9, 3, 1), 0);
-    EXPECT_EQ(one(3, 4, -8), 255);
     for (int threads : {1, 3}) {
         ScopedThreads scoped(threads);
         for (int sf = -10; sf <= 10; ++sf) {

@@ -4,6 +4,7 @@
 // off the anchor, empty and random masks, masks larger than the image) in
 // all layouts and dispatch levels, the clamping of infinities by the direct
 // kernels, and the validation orders.
+#include <array>
 #include <cfloat>
 #include <cmath>
 #include <functional>
@@ -169,16 +170,12 @@ TEST(Morphology, Classification) {
         ASSERT_EQ(initAny(r.sample, r.channels, 10, r.m, {r.W, r.H}, {r.ax, r.ay}, &st), rvpStsNoErr) << r.what;
         EXPECT_EQ(st->shapeKind, r.kind) << r.what;
         EXPECT_EQ(st->reserved, -1);
+        const RvpiMorphShape* s = st->pShape;
         if (st->shapeKind == 1 || st->shapeKind == 2) {
-            EXPECT_EQ(st->pShape->width, r.sw) << r.what;
-            EXPECT_EQ(st->pShape->height, r.sh) << r.what;
-            EXPECT_EQ(st->pShape->anchorX, r.sax) << r.what;
-            EXPECT_EQ(st->pShape->anchorY, r.say) << r.what;
-            EXPECT_EQ(st->anchorX, r.sax) << r.what;
-            EXPECT_EQ(st->maskWidth, r.sw) << r.what;
+            EXPECT_EQ((std::array<int, 6>{s->width, s->height, s->anchorX, s->anchorY, st->anchorX, st->maskWidth}),
+                      (std::array<int, 6>{r.sw, r.sh, r.sax, r.say, r.sax, r.sw})) << r.what;
         }
         if (st->shapeKind == 2) {
-            const RvpiMorphShape* s = st->pShape;
             EXPECT_EQ(s->runCount, r.runs) << r.what;
             for (int i = 1; i < s->runCount; ++i) EXPECT_GT(s->pRunLength[i - 1], s->pRunLength[i]) << r.what;
             for (int i = 0; i < s->runCount; ++i) {
