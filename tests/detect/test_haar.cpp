@@ -1,7 +1,7 @@
 // Haar stages: the constructors' record order and fields, the size query,
 // tilting after the fact, the six apply functions against the reference
-// evaluator on random stages and masks, the decisions at their boundaries,
-// and the validation orders.
+// evaluator on random stages, a three-stage cascade on a known pattern, and
+// the validation orders.
 #include <functional>
 #include <memory>
 
@@ -254,6 +254,53 @@ TEST(Haar, DecisionsAtTheBoundaries) {
         ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 8, &normF, 4, &m[1], 1, {1, 1}, &pos[1], stage, sF.get()), 0);
         EXPECT_TRUE(m[0] == 1 && pos[0] == 1) << stage;
         EXPECT_EQ(m[1], stage == 7.0f ? 1 : 0);
+    }
+}
+
+// Three stages with an 8x8 window whose centre 6x6 is the object, on an
+// image with two bright 6x6 squares, one with a bright pixel beside it: the
+// first stage keeps windows at least half over a square, the second windows
+// exactly on a square, the third needs a dark ring around it.
+TEST(Haar, CascadeFindsTheIsolatedSquare) {
+    const int W = 48, H = 32, PW = W - 7, PH = H - 7;
+    Image<Rvp8u> img(W, H);
+    img.fill([] { return Rvp8u(0); });
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 6; ++x) img.at(30 + x, 12 + y) = img.at(6 + x, 5 + y) = 255;
+    img.at(5, 8) = 255;
+    Image<Rvp32s> sum(W + 1, H + 1);
+    Image<Rvp32f> sumf(W + 1, H + 1), norm(PW, PH);
+    ASSERT_EQ(rvpiIntegral_8u32s_C1R(img.ptr(), img.step(), sum.ptr(), sum.step(), img.size(), 0), 0);
+    ASSERT_EQ(rvpiIntegral_8u32f_C1R(img.ptr(), img.step(), sumf.ptr(), sumf.step(), img.size(), 0), 0);
+    norm.fill([] { return 1.0f; });
+    const Input<float> stages[3] = {
+        {{{1, 1, 6, 6}}, {1}, {18 * 255}, {0}, {1}, {1}},
+        {{{1, 1, 6, 6}}, {1}, {36 * 255}, {0}, {1}, {1}},
+        {{{0, 0, 8, 8}, {1, 1, 6, 6}}, {1, -1}, {1}, {1}, {0}, {2}},  // ring sum below 1
+    };
+    int coarse = 0;  // windows whose centre holds at least 18 bright pixels, counted directly
+    for (int j = 0; j < PH; ++j)
+        for (int i = 0; i < PW; ++i) {
+            int bright = 0;
+            for (int y = 1; y < 7; ++y)
+                for (int x = 1; x < 7; ++x) bright += img.at(i + x, j + y) == 255;
+            coarse += bright >= 18;
+        }
+    for (bool floatTable : {false, true}) {
+        Image<Rvp8u> mask(PW, PH, 1, 5);
+        mask.fill([] { return Rvp8u(1); });
+        int survivors[3];
+        for (int k = 0; k < 3; ++k) {
+            auto s = make(stages[k], false);
+            ASSERT_EQ(floatTable ? rvpiApplyHaarClassifier_32f_C1R(sumf.ptr(), sumf.step(), norm.ptr(), norm.step(), mask.ptr(),
+                                                                  mask.step(), {PW, PH}, &survivors[k], 1.0f, s.get())
+                                 : rvpiApplyHaarClassifier_32s32f_C1R(sum.ptr(), sum.step(), norm.ptr(), norm.step(), mask.ptr(),
+                                                                     mask.step(), {PW, PH}, &survivors[k], 1.0f, s.get()), 0);
+        }
+        ASSERT_TRUE(mask.guardsIntact());
+        EXPECT_TRUE(survivors[0] == coarse && survivors[1] == 2 && survivors[2] == 1);
+        for (int j = 0; j < PH; ++j)
+            for (int i = 0; i < PW; ++i) EXPECT_EQ(mask.at(i, j) != 0, i == 29 && j == 11) << i << "," << j;
     }
 }
 
