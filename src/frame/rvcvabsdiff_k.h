@@ -32,6 +32,12 @@ void rows2(const T* a, int64_t sa, const T* b, int64_t sb, T* d, int64_t sd, int
     constexpr int L = lanes<T>();
     for (int y = 0; y < h; ++y) {
         int x = 0;
+        for (; x + 2 * L <= w; x += 2 * L) {  // two blocks a step keep more loads in flight
+            Vec<T> r0 = AbsDiffOp<T>::vec(loadv<Vec<T>>(a + x), loadv<Vec<T>>(b + x));
+            Vec<T> r1 = AbsDiffOp<T>::vec(loadv<Vec<T>>(a + x + L), loadv<Vec<T>>(b + x + L));
+            if (NT) { streamv(d + x, r0); streamv(d + x + L, r1); }
+            else { storev(d + x, r0); storev(d + x + L, r1); }
+        }
         for (; x + L <= w; x += L) {
             Vec<T> r = AbsDiffOp<T>::vec(loadv<Vec<T>>(a + x), loadv<Vec<T>>(b + x));
             if (NT) streamv(d + x, r); else storev(d + x, r);
