@@ -93,6 +93,8 @@ Rvp64u detectFeatures(Rvp32u regs[4]) {
         if ((m & rvpCpuFeature_AVX) && (b & (1u << 5))) m |= rvpCpuFeature_AVX2;
         if (zmm && (b & (1u << 16))) m |= rvpCpuFeature_AVX512F;
         if (zmm && (b & (1u << 30))) m |= rvpCpuFeature_AVX512BW;
+        if (zmm && (b & (1u << 17))) m |= rvpCpuFeature_AVX512DQ;
+        if (zmm && (b & (1u << 31))) m |= rvpCpuFeature_AVX512VL;
     }
     return m;
 }

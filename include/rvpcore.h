@@ -33,6 +33,8 @@ extern "C" {
 #define rvpCpuFeature_POPCNT   0x00000400ULL
 #define rvpCpuFeature_AVX512F  0x00000800ULL  /* includes OS support of the ZMM state */
 #define rvpCpuFeature_AVX512BW 0x00001000ULL
+#define rvpCpuFeature_AVX512DQ 0x00002000ULL
+#define rvpCpuFeature_AVX512VL 0x00004000ULL
 
 /* Threads the library may use. Default: the processors this process may run on. */
 RVPCOREAPI int       ownGetNumThreads(void);

@@ -15,6 +15,9 @@ bool g_loaded = false;
 
 Isa bestIsa() {
     const Rvp64u f = rvpGetEnabledCpuFeatures();
+    const Rvp64u wide = rvpCpuFeature_AVX2 | rvpCpuFeature_AVX512F | rvpCpuFeature_AVX512BW |
+                        rvpCpuFeature_AVX512DQ | rvpCpuFeature_AVX512VL;
+    if ((f & wide) == wide) return Isa::Avx512;
     return (f & rvpCpuFeature_AVX2) ? Isa::Avx2 : Isa::M7;
 }
 }  // namespace
@@ -22,7 +25,7 @@ Isa bestIsa() {
 Isa activeIsa() { return static_cast<Isa>(g_isa); }
 
 bool isaAvailable(Isa isa) {
-    return isa == Isa::M7 || (isa == Isa::Avx2 && bestIsa() == Isa::Avx2);
+    return isa == Isa::M7 || (isa >= Isa::M7 && isa <= bestIsa());
 }
 
 bool forceIsa(Isa isa) {

@@ -59,7 +59,7 @@ protected:
     ScopedIsa isa_{GetParam()};
 };
 INSTANTIATE_TEST_SUITE_P(Canny, CannyPaths, testing::ValuesIn(isaLevels()),
-                         [](const auto& info) { return std::string(info.param == rvcv::Isa::Avx2 ? "avx2" : "m7"); });
+                         [](const auto& info) { return std::string(rvcv::isaName(info.param)); });
 
 template <class T> void compareRandom(uint32_t seed) {
     const float ths[][2] = {{0, 0}, {2, 2}, {2.5f, 4}, {1, 6}, {500, 3000}, {30, 20000}, {0, 65535}, {3, NAN}};

@@ -92,7 +92,7 @@ TEST_P(IntegralAcross, MatchesReference) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Isa, IntegralAcross, testing::ValuesIn(isaLevels()),
-                         [](const auto& info) { return std::string(info.param == rvcv::Isa::Avx2 ? "avx2" : "m7"); });
+                         [](const auto& info) { return std::string(rvcv::isaName(info.param)); });
 
 TEST(Integral, TiltedByHand) {
     // W = 1: cur[0] = prev[1], cur[1] = prev[0] + prev[2] - prev2[1] + s(0), cur[2] = prev[1].

@@ -114,7 +114,7 @@ TEST_P(MinMaxFilterIsa, SixteenBitAndDoubleRows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, MinMaxFilterIsa, testing::ValuesIn(isaLevels()),
-                         [](const auto& info) { return std::string(info.param == rvcv::Isa::Avx2 ? "avx2" : "m7"); });
+                         [](const auto& info) { return std::string(rvcv::isaName(info.param)); });
 
 // The small tables shorten masks on purpose; a filter that kept all
 // columns would give other results.

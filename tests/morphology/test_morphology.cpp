@@ -124,7 +124,7 @@ TEST_P(MorphologyIsa, MatchesReference) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, MorphologyIsa, testing::ValuesIn(isaLevels()),
-                         [](const auto& info) { return std::string(info.param == rvcv::Isa::Avx2 ? "avx2" : "m7"); });
+                         [](const auto& info) { return std::string(rvcv::isaName(info.param)); });
 
 struct KindRow {
     const char* what;

@@ -112,7 +112,8 @@ private:
 
 inline std::vector<rvcv::Isa> isaLevels() {
     std::vector<rvcv::Isa> v{rvcv::Isa::M7};
-    if (rvcv::isaAvailable(rvcv::Isa::Avx2)) v.push_back(rvcv::Isa::Avx2);
+    for (rvcv::Isa isa : {rvcv::Isa::Avx2, rvcv::Isa::Avx512})
+        if (rvcv::isaAvailable(isa)) v.push_back(isa);
     return v;
 }
 
@@ -133,7 +134,7 @@ inline std::vector<PathConfig> pathConfigs() {
 }
 
 inline std::string pathName(const testing::TestParamInfo<PathConfig>& info) {
-    return std::string(info.param.isa == rvcv::Isa::Avx2 ? "avx2" : "m7") + "_t" + std::to_string(info.param.threads);
+    return std::string(rvcv::isaName(info.param.isa)) + "_t" + std::to_string(info.param.threads);
 }
 
 class AcrossPaths : public testing::TestWithParam<PathConfig> {
