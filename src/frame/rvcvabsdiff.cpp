@@ -10,7 +10,7 @@
 namespace rvcv {
 namespace {
 
-const AbsDiffKernels& kernels() { return pick(m7::kAbsDiff, avx2::kAbsDiff); }
+const AbsDiffKernels& kernels() { return pick(m7::kAbsDiff, avx2::kAbsDiff, avx512::kAbsDiff); }
 
 // Bytes a band touches per pixel, for the store choice; 0: no cache test.
 // The constant 16-bit form keeps the three-image factor of 6 although it

@@ -21,6 +21,7 @@ struct AbsDiffKernels {
 
 namespace m7 { extern const AbsDiffKernels kAbsDiff; }
 namespace avx2 { extern const AbsDiffKernels kAbsDiff; }
+namespace avx512 { extern const AbsDiffKernels kAbsDiff; }
 
 }  // namespace rvcv
 

@@ -1,6 +1,6 @@
 // Absolute-difference kernels, written once over the sample type and
-// compiled per instruction set (see rvcvsimd.h). Each row runs 32 bytes a
-// step, then single samples, so no read passes the row's last sample.
+// compiled per instruction set (see rvcvsimd.h). Each row runs two vector
+// blocks a step, then single samples, so no read passes the row's last sample.
 #include "rvcvabsdiff.h"
 #include "rvcvsimd.h"
 
@@ -24,7 +24,7 @@ template <> struct AbsDiffOp<float> {
         std::memcpy(&d, &u, 4);
         return d;
     }
-    static f32x8 vec(f32x8 a, f32x8 b) { return bitcast<f32x8>(bitcast<u32x8>(a - b) & 0x7fffffffu); }
+    static Vec<float> vec(Vec<float> a, Vec<float> b) { return bitcast<Vec<float>>(bitcast<Vec<uint32_t>>(a - b) & 0x7fffffffu); }
 };
 
 template <class T, bool NT>

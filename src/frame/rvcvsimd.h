@@ -26,17 +26,16 @@ typedef int32_t  s32x8  __attribute__((vector_size(32)));
 typedef float    f32x8  __attribute__((vector_size(32)));
 typedef double   f64x4  __attribute__((vector_size(32)));
 
-template <class T> struct VecOf;
-template <> struct VecOf<uint8_t>  { typedef u8x32 type; };
-template <> struct VecOf<int8_t>   { typedef s8x32 type; };
-template <> struct VecOf<uint16_t> { typedef u16x16 type; };
-template <> struct VecOf<int16_t>  { typedef s16x16 type; };
-template <> struct VecOf<uint32_t> { typedef u32x8 type; };
-template <> struct VecOf<int32_t>  { typedef s32x8 type; };
-template <> struct VecOf<float>    { typedef f32x8 type; };
-template <> struct VecOf<double>   { typedef f64x4 type; };
+// Vec<T> is the kernel's working block: 32 bytes, or 64 in a file that
+// defines RVCV_VEC_BYTES 64 (the 512-bit level). The named types above stay
+// 32 bytes for code that needs that width.
+#ifndef RVCV_VEC_BYTES
+#define RVCV_VEC_BYTES 32
+#endif
+constexpr int kVecBytes = RVCV_VEC_BYTES;
+template <class T> struct VecOf { typedef T type __attribute__((vector_size(RVCV_VEC_BYTES))); };
 template <class T> using Vec = typename VecOf<T>::type;
-template <class T> constexpr int lanes() { return 32 / static_cast<int>(sizeof(T)); }
+template <class T> constexpr int lanes() { return kVecBytes / static_cast<int>(sizeof(T)); }
 
 template <class V> inline V loadv(const void* p) { V v; std::memcpy(&v, p, sizeof v); return v; }
 template <class V> inline void storev(void* p, V v) { std::memcpy(p, &v, sizeof v); }
@@ -44,11 +43,11 @@ template <class V> inline V splat(decltype(V{}[0]) x) { V v; for (unsigned i = 0
 
 // Store that bypasses the cache; p must be 16-byte aligned.
 template <class V> inline void streamv(void* p, V v) {
-    __m128i lo, hi;
-    std::memcpy(&lo, &v, 16);
-    std::memcpy(&hi, reinterpret_cast<const char*>(&v) + 16, 16);
-    _mm_stream_si128(static_cast<__m128i*>(p), lo);
-    _mm_stream_si128(static_cast<__m128i*>(p) + 1, hi);
+    for (unsigned i = 0; i < sizeof(V) / 16; ++i) {
+        __m128i part;
+        std::memcpy(&part, reinterpret_cast<const char*>(&v) + 16 * i, 16);
+        _mm_stream_si128(static_cast<__m128i*>(p) + i, part);
+    }
 }
 
 template <class V> inline V vmax(V a, V b) { return a > b ? a : b; }

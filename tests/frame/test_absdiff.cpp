@@ -14,7 +14,8 @@ namespace {
 
 struct Case { int w, h, pad; };
 const Case kCases[] = {{1, 1, 0}, {1, 9, 4}, {7, 1, 0}, {15, 3, 8}, {16, 2, 0}, {17, 5, 12}, {31, 4, 4},
-                       {32, 3, 0}, {33, 7, 20}, {63, 2, 0}, {65, 9, 36}, {100, 37, 0}, {511, 513, 8},
+                       {32, 3, 0}, {33, 7, 20}, {63, 2, 0}, {65, 9, 36}, {100, 37, 0}, {127, 3, 0}, {129, 4, 4},
+                       {511, 513, 8},
                        {512, 512, 0}, {300, 900, 4}};
 
 template <class T> using Fn2 = RvpStatus (*)(const T*, int, const T*, int, T*, int, RvpiSize);
@@ -80,8 +81,11 @@ INSTANTIATE_TEST_SUITE_P(Paths, AbsDiffAcross, testing::ValuesIn(pathConfigs()),
 // The cache-bypassing kernels give the same bits as the plain ones, for
 // aligned and unaligned rows (where they fall back to plain stores).
 TEST(AbsDiffKernels, BypassingStoresGiveSameBits) {
-    for (const rvcv::AbsDiffKernels* k : {&rvcv::m7::kAbsDiff, &rvcv::avx2::kAbsDiff}) {
-        if (k == &rvcv::avx2::kAbsDiff && !rvcv::isaAvailable(rvcv::Isa::Avx2)) continue;
+    const std::pair<rvcv::Isa, const rvcv::AbsDiffKernels*> tables[] = {
+        {rvcv::Isa::M7, &rvcv::m7::kAbsDiff}, {rvcv::Isa::Avx2, &rvcv::avx2::kAbsDiff},
+        {rvcv::Isa::Avx512, &rvcv::avx512::kAbsDiff}};
+    for (const auto& [isa, k] : tables) {
+        if (!rvcv::isaAvailable(isa)) continue;
         for (int pad : {0, 4}) {
             Image<Rvp32f> a(77, 5, 1, pad), b(77, 5, 1, pad), d1(77, 5, 1, pad), d2(77, 5, 1, pad);
             Random<Rvp32f> rnd(11);
