@@ -232,47 +232,100 @@ template <class Tab> struct FloatRule {  // threshold x norm <= t takes val2, so
 
 template <class Rule> using StateFor = typename StateOf<typename Rule::V>::type;
 
-// Runs the stage over the live positions. sumAt(record, rect index, rect, i, j)
-// gives one rectangle sum. Returns the number of positions that passed.
+// Adds the contributions of records [c0, c1) to the score; their rectangles
+// start at index rectIndex. sumAt(record, rect index, rect) gives one sum.
 template <class Rule, class SumAt>
-int runStage(const Rule& rule, const StateFor<Rule>* s, RvpiSize roi, const typename Rule::Norm* norm, int normStep,
-             Rvp8u* mask, int maskStep, typename Rule::V stage, SumAt&& sumAt) {
+typename Rule::V addRecords(const Rule& rule, const StateFor<Rule>* s, int c0, int c1, int rectIndex,
+                            typename Rule::Norm n, typename Rule::V score, SumAt& sumAt) {
+    for (int c = c0; c < c1; ++c) {
+        const auto& r = s->pClassifiers[c];
+        typename Rule::T t = 0;
+        for (int k = 0; k < r.numRects; ++k, ++rectIndex)
+            t = rule.acc(t, sumAt(r, rectIndex, r.pRects[k]), r.pRects[k].weight);
+        score = Rule::add(score, rule.below(t, r.threshold, n) ? r.val1 : r.val2);
+    }
+    return score;
+}
+
+// Runs the stage over the live positions; scoreAt(i, j, norm) gives the
+// score of one. Returns the number of positions that passed.
+template <class Rule, class ScoreAt>
+int runStage(const Rule&, RvpiSize roi, const typename Rule::Norm* norm, int normStep, Rvp8u* mask, int maskStep,
+             typename Rule::V stage, ScoreAt&& scoreAt) {
     int positive = 0;
     for (int j = 0; j < roi.height; ++j) {
         Rvp8u* m = rowPtr(mask, maskStep, j);
         const typename Rule::Norm* n = rowPtr(norm, normStep, j);
         for (int i = 0; i < roi.width; ++i) {
             if (!m[i]) continue;
-            typename Rule::V score = 0;
-            int rectIndex = 0;
-            for (int c = 0; c < s->numClassifiers; ++c) {
-                const auto& r = s->pClassifiers[c];
-                typename Rule::T t = 0;
-                for (int k = 0; k < r.numRects; ++k, ++rectIndex)
-                    t = rule.acc(t, sumAt(r, rectIndex, r.pRects[k], i, j), r.pRects[k].weight);
-                score = Rule::add(score, rule.below(t, r.threshold, n[i]) ? r.val1 : r.val2);
-            }
-            if (Rule::pass(score, stage)) ++positive;
+            if (Rule::pass(scoreAt(i, j, n[i]), stage)) ++positive;
             else m[i] = 0;
         }
     }
     return positive;
 }
 
+// Four consecutive records of N rectangles side by side, so that their
+// sums and decisions are formed together: offsets by rectangle, corner and
+// record, then the records' values. The four contributions still enter the
+// score one after the other, in record order.
+template <class V, int N> struct Quad {
+    int32_t off[N][4][4];
+    V weight[N][4], thr[4], val1[4], val2[4];
+};
+
+template <class Rule, int N>
+typename Rule::V addQuad(const Rule& rule, const Quad<typename Rule::V, N>& q, const typename Rule::Table* p,
+                         typename Rule::Norm n, typename Rule::V score) {
+    typename Rule::T t[4] = {};
+    for (int r = 0; r < N; ++r)
+        for (int k = 0; k < 4; ++k)
+            t[k] = rule.acc(t[k], Rule::rectSum(p[q.off[r][0][k]], p[q.off[r][1][k]], p[q.off[r][2][k]], p[q.off[r][3][k]]),
+                            q.weight[r][k]);
+    for (int k = 0; k < 4; ++k) score = Rule::add(score, rule.below(t[k], q.thr[k], n) ? q.val1[k] : q.val2[k]);
+    return score;
+}
+
+// Quads of records first .. first + 4 * count - 1, all of N rectangles,
+// whose rectangles start at firstRect; off holds four offsets a rectangle.
+template <class V, int N>
+void fillQuads(Quad<V, N>* q, int count, const HaarRecord<V>* rec, int firstRect, const int32_t* off) {
+    for (int g = 0; g < count; ++g)
+        for (int k = 0; k < 4; ++k) {
+            const HaarRecord<V>& r = rec[4 * g + k];
+            const int32_t* o = off + 4 * (firstRect + N * (4 * g + k));
+            for (int n = 0; n < N; ++n) {
+                for (int c = 0; c < 4; ++c) q[g].off[n][c][k] = o[4 * n + c];
+                q[g].weight[n][k] = r.pRects[n].weight;
+            }
+            q[g].thr[k] = r.threshold;
+            q[g].val1[k] = r.val1;
+            q[g].val2[k] = r.val2;
+        }
+}
+
 template <class Rule>
 RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcStep, const typename Rule::Norm* norm,
                      int normStep, Rvp8u* mask, int maskStep, RvpiSize roi, int* pPositive, typename Rule::V stage,
                      const StateFor<Rule>* s, bool byteScratch) {
+    using V = typename Rule::V;
     Check c;
     c.ptrs(src, norm, mask, pPositive, s).size(roi);
     c.step(srcStep, wmul(roi.width, 4)).step(normStep, wmul(roi.width, 4)).step(maskStep, roi.width);
     if (RvpStatus st = c.evenSteps(4, srcStep, normStep)) return st;
 
-    // Four element offsets per rectangle, in record order.
+    // The upright constructors put the two-rectangle records first, then the
+    // three-rectangle ones; a tilted state reports no such groups.
+    const int n2 = s->numTwoRect, n23 = s->numTwoThreeRect, q2 = n2 / 4, q3 = (n23 - n2) / 4;
+    // Scratch: four element offsets per rectangle, in record order, then the quads.
     const int total = s->numRects;
+    const int64_t offWords = int64_t(total) * 4;
+    const int64_t words = offWords + (int64_t(q2) * sizeof(Quad<V, 2>) + int64_t(q3) * sizeof(Quad<V, 3>)) / 4;
     int32_t* off = nullptr;
     if (total > 0) {
-        off = byteScratch ? reinterpret_cast<int32_t*>(rvpsMalloc_8u(wmul(total, 16))) : rvpsMalloc_32s(wmul(total, 4));
+        if (words > INT32_MAX / 4) return rvpStsMemAllocErr;
+        const int n = static_cast<int>(words);
+        off = byteScratch ? reinterpret_cast<int32_t*>(rvpsMalloc_8u(n * 4)) : rvpsMalloc_32s(n);
         if (!off) return rvpStsMemAllocErr;
     }
     const int stepEl = srcStep / 4;
@@ -287,10 +340,22 @@ RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcS
             off[4 * idx + 3] = wadd(wmul(h.dy, stepEl), h.dx);
         }
     }
-    *pPositive = runStage(rule, s, roi, norm, normStep, mask, maskStep, stage, [&](const auto&, int ri, const auto&, int i, int j) {
+    Quad<V, 2>* quad2 = reinterpret_cast<Quad<V, 2>*>(off + offWords);
+    Quad<V, 3>* quad3 = reinterpret_cast<Quad<V, 3>*>(quad2 + q2);
+    fillQuads(quad2, q2, s->pClassifiers, 0, off);
+    fillQuads(quad3, q3, s->pClassifiers + n2, 2 * n2, off);
+
+    *pPositive = runStage(rule, roi, norm, normStep, mask, maskStep, stage, [&](int i, int j, typename Rule::Norm n) {
         const typename Rule::Table* p = rowPtr(src, srcStep, j) + i;
-        const int32_t* o = off + 4 * ri;
-        return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
+        auto sumAt = [&](const auto&, int ri, const auto&) {
+            const int32_t* o = off + 4 * ri;
+            return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
+        };
+        V score = 0;
+        for (int g = 0; g < q2; ++g) score = addQuad(rule, quad2[g], p, n, score);
+        score = addRecords(rule, s, 4 * q2, n2, 8 * q2, n, score, sumAt);
+        for (int g = 0; g < q3; ++g) score = addQuad(rule, quad3[g], p, n, score);
+        return addRecords(rule, s, n2 + 4 * q3, s->numClassifiers, 2 * n2 + 12 * q3, n, score, sumAt);
     });
     if (off) rvpsFree(off);
     return rvpStsNoErr;
@@ -310,12 +375,15 @@ RvpStatus applyMixed(const Rule& rule, const typename Rule::Table* src, int srcS
     if (RvpStatus st = c) return st;
     const typename Rule::Table* tiltBase = rowPtr(tilt, tiltStep, 1) + 1;
     const int srcEl = srcStep / 4, tiltEl = tiltStep / 4;
-    *pPositive = runStage(rule, s, roi, norm, normStep, mask, maskStep, stage, [&](const auto& r, int, const auto& h, int i, int j) {
-        const bool tilted = r.info & 1u;
-        const int stepEl = tilted ? tiltEl : srcEl;
-        const typename Rule::Table* p = rowPtr(tilted ? tiltBase : src, tilted ? tiltStep : srcStep, j) + i;
-        return Rule::rectSum(p[wadd(wmul(h.ay, stepEl), h.ax)], p[wadd(wmul(h.by, stepEl), h.bx)],
-                             p[wadd(wmul(h.cy, stepEl), h.cx)], p[wadd(wmul(h.dy, stepEl), h.dx)]);
+    *pPositive = runStage(rule, roi, norm, normStep, mask, maskStep, stage, [&](int i, int j, typename Rule::Norm n) {
+        auto sumAt = [&](const auto& r, int, const auto& h) {
+            const bool tilted = r.info & 1u;
+            const int stepEl = tilted ? tiltEl : srcEl;
+            const typename Rule::Table* p = rowPtr(tilted ? tiltBase : src, tilted ? tiltStep : srcStep, j) + i;
+            return Rule::rectSum(p[wadd(wmul(h.ay, stepEl), h.ax)], p[wadd(wmul(h.by, stepEl), h.bx)],
+                                 p[wadd(wmul(h.cy, stepEl), h.cx)], p[wadd(wmul(h.dy, stepEl), h.dx)]);
+        };
+        return addRecords(rule, s, 0, s->numClassifiers, 0, n, typename Rule::V(0), sumAt);
     });
     return rvpStsNoErr;
 }
