@@ -9,6 +9,7 @@
 #include "rvcvframe.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace rvcv {
@@ -232,6 +233,19 @@ template <class Tab> struct FloatRule {  // threshold x norm <= t takes val2, so
 
 template <class Rule> using StateFor = typename StateOf<typename Rule::V>::type;
 
+// The weak decisions are close to coin flips, so the contribution is picked
+// by bits rather than by a branch.
+template <class V> V pickIf(bool c, V a, V b) {
+    static_assert(sizeof(V) == 4, "32-bit contributions");
+    uint32_t ua, ub;
+    std::memcpy(&ua, &a, 4);
+    std::memcpy(&ub, &b, 4);
+    const uint32_t m = 0u - static_cast<uint32_t>(c), r = (ua & m) | (ub & ~m);
+    V v;
+    std::memcpy(&v, &r, 4);
+    return v;
+}
+
 // Adds the contributions of records [c0, c1) to the score; their rectangles
 // start at index rectIndex. sumAt(record, rect index, rect) gives one sum.
 template <class Rule, class SumAt>
@@ -242,7 +256,7 @@ typename Rule::V addRecords(const Rule& rule, const StateFor<Rule>* s, int c0, i
         typename Rule::T t = 0;
         for (int k = 0; k < r.numRects; ++k, ++rectIndex)
             t = rule.acc(t, sumAt(r, rectIndex, r.pRects[k]), r.pRects[k].weight);
-        score = Rule::add(score, rule.below(t, r.threshold, n) ? r.val1 : r.val2);
+        score = Rule::add(score, pickIf(rule.below(t, r.threshold, n), r.val1, r.val2));
     }
     return score;
 }
@@ -282,7 +296,7 @@ typename Rule::V addQuad(const Rule& rule, const Quad<typename Rule::V, N>& q, c
         for (int k = 0; k < 4; ++k)
             t[k] = rule.acc(t[k], Rule::rectSum(p[q.off[r][0][k]], p[q.off[r][1][k]], p[q.off[r][2][k]], p[q.off[r][3][k]]),
                             q.weight[r][k]);
-    for (int k = 0; k < 4; ++k) score = Rule::add(score, rule.below(t[k], q.thr[k], n) ? q.val1[k] : q.val2[k]);
+    for (int k = 0; k < 4; ++k) score = Rule::add(score, pickIf(rule.below(t[k], q.thr[k], n), q.val1[k], q.val2[k]));
     return score;
 }
 
