@@ -8,6 +8,8 @@
 #include "detect/rvcvhaar.h"
 #include "rvcvframe.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -288,15 +290,42 @@ template <class V, int N> struct Quad {
     V weight[N][4], thr[4], val1[4], val2[4];
 };
 
-template <class Rule, int N>
-typename Rule::V addQuad(const Rule& rule, const Quad<typename Rule::V, N>& q, const typename Rule::Table* p,
-                         typename Rule::Norm n, typename Rule::V score) {
-    typename Rule::T t[4] = {};
-    for (int r = 0; r < N; ++r)
-        for (int k = 0; k < 4; ++k)
-            t[k] = rule.acc(t[k], Rule::rectSum(p[q.off[r][0][k]], p[q.off[r][1][k]], p[q.off[r][2][k]], p[q.off[r][3][k]]),
-                            q.weight[r][k]);
-    for (int k = 0; k < 4; ++k) score = Rule::add(score, pickIf(rule.below(t[k], q.thr[k], n), q.val1[k], q.val2[k]));
+// One quad in SSE lanes, each lane doing the arithmetic of its record.
+inline __m128i gather4(const Rvp32s* p, const int32_t* o) { return _mm_setr_epi32(p[o[0]], p[o[1]], p[o[2]], p[o[3]]); }
+inline __m128 gather4(const Rvp32f* p, const int32_t* o) { return _mm_setr_ps(p[o[0]], p[o[1]], p[o[2]], p[o[3]]); }
+inline __m128i rectSums(const Rvp32s* p, const int32_t (&o)[4][4]) {
+    return _mm_sub_epi32(_mm_sub_epi32(gather4(p, o[0]), gather4(p, o[1])), _mm_sub_epi32(gather4(p, o[2]), gather4(p, o[3])));
+}
+inline __m128 floatSums(const Rvp32s* p, const int32_t (&o)[4][4]) { return _mm_cvtepi32_ps(rectSums(p, o)); }
+inline __m128 floatSums(const Rvp32f* p, const int32_t (&o)[4][4]) {
+    return _mm_add_ps(_mm_sub_ps(_mm_sub_ps(gather4(p, o[0]), gather4(p, o[1])), gather4(p, o[2])), gather4(p, o[3]));
+}
+// Low 32 bits of the lane products (the baseline has no 32-bit multiply).
+inline __m128i mulLow(__m128i a, __m128i b) {
+    const __m128i even = _mm_mul_epu32(a, b), odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
+    return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, 0x08), _mm_shuffle_epi32(odd, 0x08));
+}
+inline __m128i load4(const int32_t* v) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(v)); }
+
+template <class Tab, int N>
+float addQuad(const FloatRule<Tab>&, const Quad<float, N>& q, const Tab* p, float n, float score) {
+    __m128 t = _mm_setzero_ps();
+    for (int r = 0; r < N; ++r) t = _mm_add_ps(t, _mm_mul_ps(floatSums(p, q.off[r]), _mm_loadu_ps(q.weight[r])));
+    const __m128 upper = _mm_cmple_ps(_mm_mul_ps(_mm_loadu_ps(q.thr), _mm_set1_ps(n)), t);  // NaN: val1
+    alignas(16) float v[4];
+    _mm_store_ps(v, _mm_or_ps(_mm_and_ps(upper, _mm_loadu_ps(q.val2)), _mm_andnot_ps(upper, _mm_loadu_ps(q.val1))));
+    for (int k = 0; k < 4; ++k) score += v[k];
+    return score;
+}
+
+template <int N> int32_t addQuad(const IntRule&, const Quad<int32_t, N>& q, const Rvp32s* p, int32_t n, int32_t score) {
+    __m128i t = _mm_setzero_si128();
+    for (int r = 0; r < N; ++r) t = _mm_add_epi32(t, mulLow(rectSums(p, q.off[r]), load4(q.weight[r])));
+    const __m128i lower = _mm_cmpgt_epi32(mulLow(load4(q.thr), _mm_set1_epi32(n)), t);
+    alignas(16) int32_t v[4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(v),
+                    _mm_or_si128(_mm_and_si128(lower, load4(q.val1)), _mm_andnot_si128(lower, load4(q.val2))));
+    for (int k = 0; k < 4; ++k) score = wadd(score, v[k]);
     return score;
 }
 

@@ -239,21 +239,35 @@ TEST(Haar, ApplyMatchesReference) {
     }
 }
 
-// Boundaries by hand: a 1x1 region whose one-pixel sum is 10, weight 3 and
-// norm 2, so t = 30 = threshold 15 x norm takes val2 (7), and a stage
-// threshold equal to the score passes (7.5 does not).
+// Boundaries by hand: a 1x1 region whose one-pixel sum is 10, weighted 3
+// (further rectangles weigh 0), norm 2. Every t = 30 = threshold 15 x norm
+// takes val2 (7), in the groups of four two- and three-rectangle records and
+// in the general loop alike, and a stage threshold equal to the score passes.
 TEST(Haar, DecisionsAtTheBoundaries) {
     const Rvp32s table[2][2] = {{0, 0}, {0, 10}}, normI = 2;
     const Rvp32f tablef[2][2] = {{0, 0}, {0, 10}}, normF = 2;
-    auto s = make(Input<int>{{{0, 0, 1, 1}}, {3}, {15}, {1}, {7}, {1}}, false);
-    auto sF = make(Input<float>{{{0, 0, 1, 1}}, {3}, {15}, {1}, {7}, {1}}, false);
-    for (float stage : {7.0f, 7.5f}) {
-        Rvp8u m[2] = {1, 1};
-        int pos[2] = {-1, -1};
-        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 8, &normI, 4, &m[0], 1, {1, 1}, &pos[0], static_cast<int>(stage), s.get(), 5), 0);
+    Input<int> in;
+    for (int n : {2, 2, 2, 2, 3, 3, 3, 3, 1}) {
+        in.num.push_back(n);
+        for (int k = 0; k < n; ++k) {
+            in.feature.push_back({0, 0, 1, 1});
+            in.weight.push_back(k ? 0 : 3);
+        }
+        in.thr.push_back(15);
+        in.val1.push_back(1);
+        in.val2.push_back(7);
+    }
+    auto f = [](const std::vector<int>& v) { return std::vector<float>(v.begin(), v.end()); };
+    auto s = make(in, false);
+    auto sF = make(Input<float>{in.feature, f(in.weight), f(in.thr), f(in.val1), f(in.val2), in.num}, false);
+    for (int passes : {1, 0}) {
+        Rvp8u m[3] = {1, 1, 1};
+        int pos[3] = {-1, -1, -1};
+        const Rvp32f stage = passes ? 63.0f : 63.5f;
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 8, &normI, 4, &m[0], 1, {1, 1}, &pos[0], 64 - passes, s.get(), 5), 0);
         ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 8, &normF, 4, &m[1], 1, {1, 1}, &pos[1], stage, sF.get()), 0);
-        EXPECT_TRUE(m[0] == 1 && pos[0] == 1) << stage;
-        EXPECT_EQ(m[1], stage == 7.0f ? 1 : 0);
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s32f_C1R(&table[0][0], 8, &normF, 4, &m[2], 1, {1, 1}, &pos[2], stage, sF.get()), 0);
+        for (int k = 0; k < 3; ++k) EXPECT_TRUE(m[k] == passes && pos[k] == passes) << k << " " << passes;
     }
 }
 
