@@ -175,27 +175,35 @@ inline void addStore16(const Rvp32f* prev, Rvp32f* cur, __m512i run) {
 
 // One row of the sum table. Rows go one at a time: the row above is still in
 // the first-level cache, and a single output stream beats two interleaved.
-template <class T> void uprightRow512(const Rvp8u* s, int w, const T* prev, T* cur, const Prefix32& pre) {
+// Two blocks a step, both prefixed before the carry joins them.
+template <class T> void uprightRow512(const Rvp8u* s, int w, const T* prev, T* cur) {
+    const Prefix32 pre;  // local, so that the stores cannot alias it and the constants stay in registers
     __m512i run = _mm512_setzero_si512(), a, b, t;
     int x = 0;
-    for (; x + 32 <= w; x += 32) {
+    for (; x + 64 <= w; x += 64) {
+        __m512i a2, b2, t2;
         pre(s + x, ~0u, a, b, t);
+        pre(s + x + 32, ~0u, a2, b2, t2);
+        const __m512i run2 = _mm512_add_epi32(run, t);
         addStore16(prev + x, cur + x, _mm512_add_epi32(a, run));
         addStore16(prev + x + 16, cur + x + 16, _mm512_add_epi32(b, run));
-        run = _mm512_add_epi32(run, t);
+        addStore16(prev + x + 32, cur + x + 32, _mm512_add_epi32(a2, run2));
+        addStore16(prev + x + 48, cur + x + 48, _mm512_add_epi32(b2, run2));
+        run = _mm512_add_epi32(run2, t2);
     }
-    if (const int n = w - x) {  // 1 to 31 pixels left
-        pre(s + x, (1u << n) - 1, a, b, t);
+    for (; x < w; x += 32) {  // up to 63 pixels left, masked past the row's end
+        const int n = w - x;
+        pre(s + x, n >= 32 ? ~0u : (1u << n) - 1, a, b, t);
         const __mmask16 ma = static_cast<__mmask16>(n >= 16 ? 0xFFFF : (1u << n) - 1);
-        const __mmask16 mb = static_cast<__mmask16>(n > 16 ? (1u << (n - 16)) - 1 : 0);
+        const __mmask16 mb = static_cast<__mmask16>(n >= 32 ? 0xFFFF : n > 16 ? (1u << (n - 16)) - 1 : 0);
         addStore16(prev + x, cur + x, _mm512_add_epi32(a, run), ma);
         if (mb) addStore16(prev + x + 16, cur + x + 16, _mm512_add_epi32(b, run), mb);
+        run = _mm512_add_epi32(run, t);
     }
 }
 
 template <int R, class T> void uprightRows512(const Rvp8u* const* s, int w, const T* prev, T* const* cur) {
-    const Prefix32 pre;
-    for (int k = 0; k < R; ++k) uprightRow512(s[k], w, k ? cur[k - 1] : prev, cur[k], pre);
+    for (int k = 0; k < R; ++k) uprightRow512(s[k], w, k ? cur[k - 1] : prev, cur[k]);
 }
 #endif
 
