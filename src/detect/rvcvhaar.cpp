@@ -281,94 +281,84 @@ int runStage(const Rule&, RvpiSize roi, const typename Rule::Norm* norm, int nor
     return positive;
 }
 
-// Four consecutive records of N rectangles side by side, so that their
-// sums and decisions are formed together: offsets by rectangle, corner and
-// record, then the records' values. The four contributions still enter the
-// score one after the other, in record order.
-template <class V, int N> struct Quad {
-    int32_t off[N][4][4];
-    V weight[N][4], thr[4], val1[4], val2[4];
-};
-
-// One quad in SSE lanes, each lane doing the arithmetic of its record.
-inline __m128i gather4(const Rvp32s* p, const int32_t* o) { return _mm_setr_epi32(p[o[0]], p[o[1]], p[o[2]], p[o[3]]); }
-inline __m128 gather4(const Rvp32f* p, const int32_t* o) { return _mm_setr_ps(p[o[0]], p[o[1]], p[o[2]], p[o[3]]); }
-inline __m128i rectSums(const Rvp32s* p, const int32_t (&o)[4][4]) {
-    return _mm_sub_epi32(_mm_sub_epi32(gather4(p, o[0]), gather4(p, o[1])), _mm_sub_epi32(gather4(p, o[2]), gather4(p, o[3])));
-}
-inline __m128 floatSums(const Rvp32s* p, const int32_t (&o)[4][4]) { return _mm_cvtepi32_ps(rectSums(p, o)); }
-inline __m128 floatSums(const Rvp32f* p, const int32_t (&o)[4][4]) {
-    return _mm_add_ps(_mm_sub_ps(_mm_sub_ps(gather4(p, o[0]), gather4(p, o[1])), gather4(p, o[2])), gather4(p, o[3]));
-}
+// Four neighbouring positions in SSE lanes. A corner's four table values
+// are then adjacent, one load; each lane does the arithmetic of its position
+// and sums its score in record order, so the lanes give the scalar results.
+inline __m128i load4(const Rvp32s* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline __m128 load4(const Rvp32f* p) { return _mm_loadu_ps(p); }
 // Low 32 bits of the lane products (the baseline has no 32-bit multiply).
 inline __m128i mulLow(__m128i a, __m128i b) {
     const __m128i even = _mm_mul_epu32(a, b), odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
     return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, 0x08), _mm_shuffle_epi32(odd, 0x08));
 }
-inline __m128i load4(const int32_t* v) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(v)); }
-
-template <class Tab, int N>
-float addQuad(const FloatRule<Tab>&, const Quad<float, N>& q, const Tab* p, float n, float score) {
-    __m128 t = _mm_setzero_ps();
-    for (int r = 0; r < N; ++r) t = _mm_add_ps(t, _mm_mul_ps(floatSums(p, q.off[r]), _mm_loadu_ps(q.weight[r])));
-    const __m128 upper = _mm_cmple_ps(_mm_mul_ps(_mm_loadu_ps(q.thr), _mm_set1_ps(n)), t);  // NaN: val1
-    alignas(16) float v[4];
-    _mm_store_ps(v, _mm_or_ps(_mm_and_ps(upper, _mm_loadu_ps(q.val2)), _mm_andnot_ps(upper, _mm_loadu_ps(q.val1))));
-    for (int k = 0; k < 4; ++k) score += v[k];
-    return score;
+inline __m128i intSums(const Rvp32s* p, const int32_t* o) {
+    return _mm_sub_epi32(_mm_sub_epi32(load4(p + o[0]), load4(p + o[1])), _mm_sub_epi32(load4(p + o[2]), load4(p + o[3])));
 }
 
-template <int N> int32_t addQuad(const IntRule&, const Quad<int32_t, N>& q, const Rvp32s* p, int32_t n, int32_t score) {
-    __m128i t = _mm_setzero_si128();
-    for (int r = 0; r < N; ++r) t = _mm_add_epi32(t, mulLow(rectSums(p, q.off[r]), load4(q.weight[r])));
-    const __m128i lower = _mm_cmpgt_epi32(mulLow(load4(q.thr), _mm_set1_epi32(n)), t);
-    alignas(16) int32_t v[4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(v),
-                    _mm_or_si128(_mm_and_si128(lower, load4(q.val1)), _mm_andnot_si128(lower, load4(q.val2))));
-    for (int k = 0; k < 4; ++k) score = wadd(score, v[k]);
-    return score;
-}
+struct IntLanes {
+    using Vec = __m128i;
+    static Vec zero() { return _mm_setzero_si128(); }
+    static Vec acc(Vec t, const Rvp32s* p, const int32_t* o, Rvp32s w) {
+        return _mm_add_epi32(t, mulLow(intSums(p, o), _mm_set1_epi32(w)));
+    }
+    template <class R> static Vec add(Vec score, Vec t, const R& r, Vec norm) {
+        const __m128i lower = _mm_cmpgt_epi32(mulLow(_mm_set1_epi32(r.threshold), norm), t);
+        const __m128i v = _mm_or_si128(_mm_and_si128(lower, _mm_set1_epi32(r.val1)), _mm_andnot_si128(lower, _mm_set1_epi32(r.val2)));
+        return _mm_add_epi32(score, v);
+    }
+    static int passBits(Vec score, Rvp32s stage) { return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(score, _mm_set1_epi32(stage)))) & 15; }
+};
 
-// Quads of records first .. first + 4 * count - 1, all of N rectangles,
-// whose rectangles start at firstRect; off holds four offsets a rectangle.
-template <class V, int N>
-void fillQuads(Quad<V, N>* q, int count, const HaarRecord<V>* rec, int firstRect, const int32_t* off) {
-    for (int g = 0; g < count; ++g)
-        for (int k = 0; k < 4; ++k) {
-            const HaarRecord<V>& r = rec[4 * g + k];
-            const int32_t* o = off + 4 * (firstRect + N * (4 * g + k));
-            for (int n = 0; n < N; ++n) {
-                for (int c = 0; c < 4; ++c) q[g].off[n][c][k] = o[4 * n + c];
-                q[g].weight[n][k] = r.pRects[n].weight;
-            }
-            q[g].thr[k] = r.threshold;
-            q[g].val1[k] = r.val1;
-            q[g].val2[k] = r.val2;
-        }
+template <class Tab> struct FloatLanes {
+    using Vec = __m128;
+    static Vec zero() { return _mm_setzero_ps(); }
+    static __m128 sums(const Rvp32s* p, const int32_t* o) { return _mm_cvtepi32_ps(intSums(p, o)); }
+    static __m128 sums(const Rvp32f* p, const int32_t* o) {
+        return _mm_add_ps(_mm_sub_ps(_mm_sub_ps(load4(p + o[0]), load4(p + o[1])), load4(p + o[2])), load4(p + o[3]));
+    }
+    static Vec acc(Vec t, const Tab* p, const int32_t* o, Rvp32f w) { return _mm_add_ps(t, _mm_mul_ps(sums(p, o), _mm_set1_ps(w))); }
+    template <class R> static Vec add(Vec score, Vec t, const R& r, Vec norm) {
+        const __m128 upper = _mm_cmple_ps(_mm_mul_ps(_mm_set1_ps(r.threshold), norm), t);  // NaN: val1
+        const __m128 v = _mm_or_ps(_mm_and_ps(upper, _mm_set1_ps(r.val2)), _mm_andnot_ps(upper, _mm_set1_ps(r.val1)));
+        return _mm_add_ps(score, v);
+    }
+    static int passBits(Vec score, Rvp32f stage) { return _mm_movemask_ps(_mm_cmple_ps(_mm_set1_ps(stage), score)); }
+};
+
+template <class Rule> struct LanesOf;
+template <> struct LanesOf<IntRule> { using type = IntLanes; };
+template <class Tab> struct LanesOf<FloatRule<Tab>> { using type = FloatLanes<Tab>; };
+
+// Records [c0, c1), all of N rectangles (N = 0: any count), for four
+// positions at p; off holds four offsets a rectangle from rectIndex on.
+template <class L, int N, class Table, class Rec>
+typename L::Vec addLanes(typename L::Vec score, const Rec* rec, int c0, int c1, const int32_t* off, const Table* p,
+                         typename L::Vec norm) {
+    for (int c = c0; c < c1; ++c) {
+        const Rec& r = rec[c];
+        const int n = N ? N : r.numRects;
+        typename L::Vec t = L::zero();
+        for (int k = 0; k < n; ++k, off += 4) t = L::acc(t, p, off, r.pRects[k].weight);
+        score = L::add(score, t, r, norm);
+    }
+    return score;
 }
 
 template <class Rule>
 RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcStep, const typename Rule::Norm* norm,
                      int normStep, Rvp8u* mask, int maskStep, RvpiSize roi, int* pPositive, typename Rule::V stage,
                      const StateFor<Rule>* s, bool byteScratch) {
-    using V = typename Rule::V;
+    using L = typename LanesOf<Rule>::type;
     Check c;
     c.ptrs(src, norm, mask, pPositive, s).size(roi);
     c.step(srcStep, wmul(roi.width, 4)).step(normStep, wmul(roi.width, 4)).step(maskStep, roi.width);
     if (RvpStatus st = c.evenSteps(4, srcStep, normStep)) return st;
 
-    // The upright constructors put the two-rectangle records first, then the
-    // three-rectangle ones; a tilted state reports no such groups.
-    const int n2 = s->numTwoRect, n23 = s->numTwoThreeRect, q2 = n2 / 4, q3 = (n23 - n2) / 4;
-    // Scratch: four element offsets per rectangle, in record order, then the quads.
+    // Four element offsets per rectangle, in record order.
     const int total = s->numRects;
-    const int64_t offWords = int64_t(total) * 4;
-    const int64_t words = offWords + (int64_t(q2) * sizeof(Quad<V, 2>) + int64_t(q3) * sizeof(Quad<V, 3>)) / 4;
     int32_t* off = nullptr;
     if (total > 0) {
-        if (words > INT32_MAX / 4) return rvpStsMemAllocErr;
-        const int n = static_cast<int>(words);
-        off = byteScratch ? reinterpret_cast<int32_t*>(rvpsMalloc_8u(n * 4)) : rvpsMalloc_32s(n);
+        off = byteScratch ? reinterpret_cast<int32_t*>(rvpsMalloc_8u(wmul(total, 16))) : rvpsMalloc_32s(wmul(total, 4));
         if (!off) return rvpStsMemAllocErr;
     }
     const int stepEl = srcStep / 4;
@@ -383,23 +373,45 @@ RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcS
             off[4 * idx + 3] = wadd(wmul(h.dy, stepEl), h.dx);
         }
     }
-    Quad<V, 2>* quad2 = reinterpret_cast<Quad<V, 2>*>(off + offWords);
-    Quad<V, 3>* quad3 = reinterpret_cast<Quad<V, 3>*>(quad2 + q2);
-    fillQuads(quad2, q2, s->pClassifiers, 0, off);
-    fillQuads(quad3, q3, s->pClassifiers + n2, 2 * n2, off);
-
-    *pPositive = runStage(rule, roi, norm, normStep, mask, maskStep, stage, [&](int i, int j, typename Rule::Norm n) {
-        const typename Rule::Table* p = rowPtr(src, srcStep, j) + i;
-        auto sumAt = [&](const auto&, int ri, const auto&) {
-            const int32_t* o = off + 4 * ri;
-            return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
-        };
-        V score = 0;
-        for (int g = 0; g < q2; ++g) score = addQuad(rule, quad2[g], p, n, score);
-        score = addRecords(rule, s, 4 * q2, n2, 8 * q2, n, score, sumAt);
-        for (int g = 0; g < q3; ++g) score = addQuad(rule, quad3[g], p, n, score);
-        return addRecords(rule, s, n2 + 4 * q3, s->numClassifiers, 2 * n2 + 12 * q3, n, score, sumAt);
-    });
+    // The upright constructors put the two-rectangle records first, then the
+    // three-rectangle ones, and count them; a tilted state reports none.
+    const int n2 = s->numTwoRect, n23 = s->numTwoThreeRect;
+    const auto* rec = s->pClassifiers;
+    int positive = 0;
+    for (int j = 0; j < roi.height; ++j) {
+        Rvp8u* m = rowPtr(mask, maskStep, j);
+        const typename Rule::Norm* nrow = rowPtr(norm, normStep, j);
+        const typename Rule::Table* row = rowPtr(src, srcStep, j);
+        int i = 0;
+        for (; i + 4 <= roi.width; i += 4) {
+            uint32_t live;
+            std::memcpy(&live, m + i, 4);
+            if (!live) continue;  // most positions die early: skip dead groups untouched
+            const typename Rule::Table* p = row + i;
+            const typename L::Vec nv = load4(nrow + i);
+            typename L::Vec score = L::zero();
+            score = addLanes<L, 2>(score, rec, 0, n2, off, p, nv);
+            score = addLanes<L, 3>(score, rec, n2, n23, off + 8 * n2, p, nv);
+            score = addLanes<L, 0>(score, rec, n23, s->numClassifiers, off + 8 * n2 + 12 * (n23 - n2), p, nv);
+            const int pass = L::passBits(score, stage);
+            for (int k = 0; k < 4; ++k) {
+                if (!m[i + k]) continue;
+                if (pass >> k & 1) ++positive;
+                else m[i + k] = 0;
+            }
+        }
+        for (; i < roi.width; ++i) {  // the row's last positions one at a time
+            if (!m[i]) continue;
+            const typename Rule::Table* p = row + i;
+            auto sumAt = [&](const auto&, int ri, const auto&) {
+                const int32_t* o = off + 4 * ri;
+                return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
+            };
+            if (Rule::pass(addRecords(rule, s, 0, s->numClassifiers, 0, nrow[i], typename Rule::V(0), sumAt), stage)) ++positive;
+            else m[i] = 0;
+        }
+    }
+    *pPositive = positive;
     if (off) rvpsFree(off);
     return rvpStsNoErr;
 }

@@ -2,6 +2,7 @@
 // tilting after the fact, the six apply functions against the reference
 // evaluator on random stages, a three-stage cascade on a known pattern, and
 // the validation orders.
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -239,13 +240,14 @@ TEST(Haar, ApplyMatchesReference) {
     }
 }
 
-// Boundaries by hand: a 1x1 region whose one-pixel sum is 10, weighted 3
-// (further rectangles weigh 0), norm 2. Every t = 30 = threshold 15 x norm
-// takes val2 (7), in the groups of four two- and three-rectangle records and
-// in the general loop alike, and a stage threshold equal to the score passes.
+// Boundaries by hand: a 5x1 region (four positions side by side, then one
+// alone) whose one-pixel sums are 10, weighted 3 (further rectangles weigh
+// 0), norm 2. Every t = 30 = threshold 15 x norm takes val2 (7), in the two-
+// and three-rectangle groups and in the general loop alike, and a stage
+// threshold equal to the score passes.
 TEST(Haar, DecisionsAtTheBoundaries) {
-    const Rvp32s table[2][2] = {{0, 0}, {0, 10}}, normI = 2;
-    const Rvp32f tablef[2][2] = {{0, 0}, {0, 10}}, normF = 2;
+    const Rvp32s table[2][6] = {{0, 0, 0, 0, 0, 0}, {0, 10, 20, 30, 40, 50}}, normI[5] = {2, 2, 2, 2, 2};
+    const Rvp32f tablef[2][6] = {{0, 0, 0, 0, 0, 0}, {0, 10, 20, 30, 40, 50}}, normF[5] = {2, 2, 2, 2, 2};
     Input<int> in;
     for (int n : {2, 2, 2, 2, 3, 3, 3, 3, 1}) {
         in.num.push_back(n);
@@ -261,13 +263,14 @@ TEST(Haar, DecisionsAtTheBoundaries) {
     auto s = make(in, false);
     auto sF = make(Input<float>{in.feature, f(in.weight), f(in.thr), f(in.val1), f(in.val2), in.num}, false);
     for (int passes : {1, 0}) {
-        Rvp8u m[3] = {1, 1, 1};
+        Rvp8u m[3][5] = {{1, 1, 1, 1, 1}, {1, 1, 1, 1, 1}, {1, 1, 1, 1, 1}};
         int pos[3] = {-1, -1, -1};
         const Rvp32f stage = passes ? 63.0f : 63.5f;
-        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 8, &normI, 4, &m[0], 1, {1, 1}, &pos[0], 64 - passes, s.get(), 5), 0);
-        ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 8, &normF, 4, &m[1], 1, {1, 1}, &pos[1], stage, sF.get()), 0);
-        ASSERT_EQ(rvpiApplyHaarClassifier_32s32f_C1R(&table[0][0], 8, &normF, 4, &m[2], 1, {1, 1}, &pos[2], stage, sF.get()), 0);
-        for (int k = 0; k < 3; ++k) EXPECT_TRUE(m[k] == passes && pos[k] == passes) << k << " " << passes;
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 24, normI, 20, m[0], 5, {5, 1}, &pos[0], 64 - passes, s.get(), 5), 0);
+        ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 24, normF, 20, m[1], 5, {5, 1}, &pos[1], stage, sF.get()), 0);
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s32f_C1R(&table[0][0], 24, normF, 20, m[2], 5, {5, 1}, &pos[2], stage, sF.get()), 0);
+        for (int k = 0; k < 3; ++k)
+            EXPECT_TRUE(pos[k] == 5 * passes && std::count(m[k], m[k] + 5, passes) == 5) << k << " " << passes;
     }
 }
 
