@@ -8,7 +8,10 @@
 #include "detect/rvcvhaar.h"
 #include "rvcvframe.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace rvcv {
@@ -232,37 +235,120 @@ template <class Tab> struct FloatRule {  // threshold x norm <= t takes val2, so
 
 template <class Rule> using StateFor = typename StateOf<typename Rule::V>::type;
 
-// Runs the stage over the live positions. sumAt(record, rect index, rect, i, j)
-// gives one rectangle sum. Returns the number of positions that passed.
+// The weak decisions are close to coin flips, so the contribution is picked
+// by bits rather than by a branch.
+template <class V> V pickIf(bool c, V a, V b) {
+    static_assert(sizeof(V) == 4, "32-bit contributions");
+    uint32_t ua, ub;
+    std::memcpy(&ua, &a, 4);
+    std::memcpy(&ub, &b, 4);
+    const uint32_t m = 0u - static_cast<uint32_t>(c), r = (ua & m) | (ub & ~m);
+    V v;
+    std::memcpy(&v, &r, 4);
+    return v;
+}
+
+// Adds the contributions of records [c0, c1) to the score; their rectangles
+// start at index rectIndex. sumAt(record, rect index, rect) gives one sum.
 template <class Rule, class SumAt>
-int runStage(const Rule& rule, const StateFor<Rule>* s, RvpiSize roi, const typename Rule::Norm* norm, int normStep,
-             Rvp8u* mask, int maskStep, typename Rule::V stage, SumAt&& sumAt) {
+typename Rule::V addRecords(const Rule& rule, const StateFor<Rule>* s, int c0, int c1, int rectIndex,
+                            typename Rule::Norm n, typename Rule::V score, SumAt& sumAt) {
+    for (int c = c0; c < c1; ++c) {
+        const auto& r = s->pClassifiers[c];
+        typename Rule::T t = 0;
+        for (int k = 0; k < r.numRects; ++k, ++rectIndex)
+            t = rule.acc(t, sumAt(r, rectIndex, r.pRects[k]), r.pRects[k].weight);
+        score = Rule::add(score, pickIf(rule.below(t, r.threshold, n), r.val1, r.val2));
+    }
+    return score;
+}
+
+// Runs the stage over the live positions; scoreAt(i, j, norm) gives the
+// score of one. Returns the number of positions that passed.
+template <class Rule, class ScoreAt>
+int runStage(const Rule&, RvpiSize roi, const typename Rule::Norm* norm, int normStep, Rvp8u* mask, int maskStep,
+             typename Rule::V stage, ScoreAt&& scoreAt) {
     int positive = 0;
     for (int j = 0; j < roi.height; ++j) {
         Rvp8u* m = rowPtr(mask, maskStep, j);
         const typename Rule::Norm* n = rowPtr(norm, normStep, j);
         for (int i = 0; i < roi.width; ++i) {
             if (!m[i]) continue;
-            typename Rule::V score = 0;
-            int rectIndex = 0;
-            for (int c = 0; c < s->numClassifiers; ++c) {
-                const auto& r = s->pClassifiers[c];
-                typename Rule::T t = 0;
-                for (int k = 0; k < r.numRects; ++k, ++rectIndex)
-                    t = rule.acc(t, sumAt(r, rectIndex, r.pRects[k], i, j), r.pRects[k].weight);
-                score = Rule::add(score, rule.below(t, r.threshold, n[i]) ? r.val1 : r.val2);
-            }
-            if (Rule::pass(score, stage)) ++positive;
+            if (Rule::pass(scoreAt(i, j, n[i]), stage)) ++positive;
             else m[i] = 0;
         }
     }
     return positive;
 }
 
+// Four neighbouring positions in SSE lanes. A corner's four table values
+// are then adjacent, one load; each lane does the arithmetic of its position
+// and sums its score in record order, so the lanes give the scalar results.
+inline __m128i load4(const Rvp32s* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline __m128 load4(const Rvp32f* p) { return _mm_loadu_ps(p); }
+// Low 32 bits of the lane products (the baseline has no 32-bit multiply).
+inline __m128i mulLow(__m128i a, __m128i b) {
+    const __m128i even = _mm_mul_epu32(a, b), odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
+    return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, 0x08), _mm_shuffle_epi32(odd, 0x08));
+}
+inline __m128i intSums(const Rvp32s* p, const int32_t* o) {
+    return _mm_sub_epi32(_mm_sub_epi32(load4(p + o[0]), load4(p + o[1])), _mm_sub_epi32(load4(p + o[2]), load4(p + o[3])));
+}
+
+struct IntLanes {
+    using Vec = __m128i;
+    static Vec zero() { return _mm_setzero_si128(); }
+    static Vec acc(Vec t, const Rvp32s* p, const int32_t* o, Rvp32s w) {
+        return _mm_add_epi32(t, mulLow(intSums(p, o), _mm_set1_epi32(w)));
+    }
+    template <class R> static Vec add(Vec score, Vec t, const R& r, Vec norm) {
+        const __m128i lower = _mm_cmpgt_epi32(mulLow(_mm_set1_epi32(r.threshold), norm), t);
+        const __m128i v = _mm_or_si128(_mm_and_si128(lower, _mm_set1_epi32(r.val1)), _mm_andnot_si128(lower, _mm_set1_epi32(r.val2)));
+        return _mm_add_epi32(score, v);
+    }
+    static int passBits(Vec score, Rvp32s stage) { return ~_mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(score, _mm_set1_epi32(stage)))) & 15; }
+};
+
+template <class Tab> struct FloatLanes {
+    using Vec = __m128;
+    static Vec zero() { return _mm_setzero_ps(); }
+    static __m128 sums(const Rvp32s* p, const int32_t* o) { return _mm_cvtepi32_ps(intSums(p, o)); }
+    static __m128 sums(const Rvp32f* p, const int32_t* o) {
+        return _mm_add_ps(_mm_sub_ps(_mm_sub_ps(load4(p + o[0]), load4(p + o[1])), load4(p + o[2])), load4(p + o[3]));
+    }
+    static Vec acc(Vec t, const Tab* p, const int32_t* o, Rvp32f w) { return _mm_add_ps(t, _mm_mul_ps(sums(p, o), _mm_set1_ps(w))); }
+    template <class R> static Vec add(Vec score, Vec t, const R& r, Vec norm) {
+        const __m128 upper = _mm_cmple_ps(_mm_mul_ps(_mm_set1_ps(r.threshold), norm), t);  // NaN: val1
+        const __m128 v = _mm_or_ps(_mm_and_ps(upper, _mm_set1_ps(r.val2)), _mm_andnot_ps(upper, _mm_set1_ps(r.val1)));
+        return _mm_add_ps(score, v);
+    }
+    static int passBits(Vec score, Rvp32f stage) { return _mm_movemask_ps(_mm_cmple_ps(_mm_set1_ps(stage), score)); }
+};
+
+template <class Rule> struct LanesOf;
+template <> struct LanesOf<IntRule> { using type = IntLanes; };
+template <class Tab> struct LanesOf<FloatRule<Tab>> { using type = FloatLanes<Tab>; };
+
+// Records [c0, c1), all of N rectangles (N = 0: any count), for four
+// positions at p; off holds four offsets a rectangle from rectIndex on.
+template <class L, int N, class Table, class Rec>
+typename L::Vec addLanes(typename L::Vec score, const Rec* rec, int c0, int c1, const int32_t* off, const Table* p,
+                         typename L::Vec norm) {
+    for (int c = c0; c < c1; ++c) {
+        const Rec& r = rec[c];
+        const int n = N ? N : r.numRects;
+        typename L::Vec t = L::zero();
+        for (int k = 0; k < n; ++k, off += 4) t = L::acc(t, p, off, r.pRects[k].weight);
+        score = L::add(score, t, r, norm);
+    }
+    return score;
+}
+
 template <class Rule>
 RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcStep, const typename Rule::Norm* norm,
                      int normStep, Rvp8u* mask, int maskStep, RvpiSize roi, int* pPositive, typename Rule::V stage,
                      const StateFor<Rule>* s, bool byteScratch) {
+    using L = typename LanesOf<Rule>::type;
     Check c;
     c.ptrs(src, norm, mask, pPositive, s).size(roi);
     c.step(srcStep, wmul(roi.width, 4)).step(normStep, wmul(roi.width, 4)).step(maskStep, roi.width);
@@ -287,11 +373,45 @@ RvpStatus applyStage(const Rule& rule, const typename Rule::Table* src, int srcS
             off[4 * idx + 3] = wadd(wmul(h.dy, stepEl), h.dx);
         }
     }
-    *pPositive = runStage(rule, s, roi, norm, normStep, mask, maskStep, stage, [&](const auto&, int ri, const auto&, int i, int j) {
-        const typename Rule::Table* p = rowPtr(src, srcStep, j) + i;
-        const int32_t* o = off + 4 * ri;
-        return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
-    });
+    // The upright constructors put the two-rectangle records first, then the
+    // three-rectangle ones, and count them; a tilted state reports none.
+    const int n2 = s->numTwoRect, n23 = s->numTwoThreeRect;
+    const auto* rec = s->pClassifiers;
+    int positive = 0;
+    for (int j = 0; j < roi.height; ++j) {
+        Rvp8u* m = rowPtr(mask, maskStep, j);
+        const typename Rule::Norm* nrow = rowPtr(norm, normStep, j);
+        const typename Rule::Table* row = rowPtr(src, srcStep, j);
+        int i = 0;
+        for (; i + 4 <= roi.width; i += 4) {
+            uint32_t live;
+            std::memcpy(&live, m + i, 4);
+            if (!live) continue;  // most positions die early: skip dead groups untouched
+            const typename Rule::Table* p = row + i;
+            const typename L::Vec nv = load4(nrow + i);
+            typename L::Vec score = L::zero();
+            score = addLanes<L, 2>(score, rec, 0, n2, off, p, nv);
+            score = addLanes<L, 3>(score, rec, n2, n23, off + 8 * n2, p, nv);
+            score = addLanes<L, 0>(score, rec, n23, s->numClassifiers, off + 8 * n2 + 12 * (n23 - n2), p, nv);
+            const int pass = L::passBits(score, stage);
+            for (int k = 0; k < 4; ++k) {
+                if (!m[i + k]) continue;
+                if (pass >> k & 1) ++positive;
+                else m[i + k] = 0;
+            }
+        }
+        for (; i < roi.width; ++i) {  // the row's last positions one at a time
+            if (!m[i]) continue;
+            const typename Rule::Table* p = row + i;
+            auto sumAt = [&](const auto&, int ri, const auto&) {
+                const int32_t* o = off + 4 * ri;
+                return Rule::rectSum(p[o[0]], p[o[1]], p[o[2]], p[o[3]]);
+            };
+            if (Rule::pass(addRecords(rule, s, 0, s->numClassifiers, 0, nrow[i], typename Rule::V(0), sumAt), stage)) ++positive;
+            else m[i] = 0;
+        }
+    }
+    *pPositive = positive;
     if (off) rvpsFree(off);
     return rvpStsNoErr;
 }
@@ -310,12 +430,15 @@ RvpStatus applyMixed(const Rule& rule, const typename Rule::Table* src, int srcS
     if (RvpStatus st = c) return st;
     const typename Rule::Table* tiltBase = rowPtr(tilt, tiltStep, 1) + 1;
     const int srcEl = srcStep / 4, tiltEl = tiltStep / 4;
-    *pPositive = runStage(rule, s, roi, norm, normStep, mask, maskStep, stage, [&](const auto& r, int, const auto& h, int i, int j) {
-        const bool tilted = r.info & 1u;
-        const int stepEl = tilted ? tiltEl : srcEl;
-        const typename Rule::Table* p = rowPtr(tilted ? tiltBase : src, tilted ? tiltStep : srcStep, j) + i;
-        return Rule::rectSum(p[wadd(wmul(h.ay, stepEl), h.ax)], p[wadd(wmul(h.by, stepEl), h.bx)],
-                             p[wadd(wmul(h.cy, stepEl), h.cx)], p[wadd(wmul(h.dy, stepEl), h.dx)]);
+    *pPositive = runStage(rule, roi, norm, normStep, mask, maskStep, stage, [&](int i, int j, typename Rule::Norm n) {
+        auto sumAt = [&](const auto& r, int, const auto& h) {
+            const bool tilted = r.info & 1u;
+            const int stepEl = tilted ? tiltEl : srcEl;
+            const typename Rule::Table* p = rowPtr(tilted ? tiltBase : src, tilted ? tiltStep : srcStep, j) + i;
+            return Rule::rectSum(p[wadd(wmul(h.ay, stepEl), h.ax)], p[wadd(wmul(h.by, stepEl), h.bx)],
+                                 p[wadd(wmul(h.cy, stepEl), h.cx)], p[wadd(wmul(h.dy, stepEl), h.dx)]);
+        };
+        return addRecords(rule, s, 0, s->numClassifiers, 0, n, typename Rule::V(0), sumAt);
     });
     return rvpStsNoErr;
 }

@@ -11,7 +11,7 @@
 namespace rvcv {
 namespace {
 
-const IntegralKernels& kernels() { return pick(m7::kIntegral, avx2::kIntegral); }
+const IntegralKernels& kernels() { return pick(m7::kIntegral, avx2::kIntegral, avx512::kIntegral); }
 
 template <class T> void fillRow(T* row, int n, T v) {
     for (int i = 0; i < n; ++i) row[i] = v;

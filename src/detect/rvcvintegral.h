@@ -27,6 +27,7 @@ struct IntegralKernels {
 
 namespace m7 { extern const IntegralKernels kIntegral; }
 namespace avx2 { extern const IntegralKernels kIntegral; }
+namespace avx512 { extern const IntegralKernels kIntegral; }
 
 }  // namespace rvcv
 

@@ -1,5 +1,5 @@
 // Row kernels of the summed-area tables, written once and compiled per
-// instruction set (RVCV_ISA_NS is m7 or avx2). The upright rows form running
+// instruction set (RVCV_ISA_NS is m7, avx2 or avx512). The upright rows form running
 // sums of blocks of pixels with shifted adds and carry the block total to the
 // next block; the tilted rows depend on earlier rows only and vectorise as
 // plain loops. Sums are integers until the final conversion, so every path
@@ -104,6 +104,107 @@ inline __m256 addStore(Rvp32f* cur, __m256 acc, __m256i run) {
 }
 inline __m256i load8(const Rvp32s* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 inline __m256 load8(const Rvp32f* p) { return _mm256_loadu_ps(p); }
+#endif
+
+#if defined(__AVX512BW__) && defined(__AVX512DQ__)
+// Thirty-two pixels a step in 16-bit lanes (a running sum of 32 pixels is at
+// most 8160, so exact): one 64-bit multiply by 0x0001000100010001 sums each
+// group of four words into its upper words, a byte shuffle carries within
+// 128-bit blocks, and two word permutes carry across blocks. Word permutes
+// with zeroed odd lanes then widen to 32 bits, and the last one broadcasts
+// the total, so the carry between steps is a single add.
+struct WordIdx {
+    alignas(64) int16_t fromPrev[32], fromPrev2[32], lo[32], hi[32], total[32];
+    alignas(64) int8_t carry4[64];  // per 128-bit block: word 3 into words 4 to 7
+    constexpr WordIdx() : fromPrev(), fromPrev2(), lo(), hi(), total(), carry4() {
+        for (int i = 0; i < 64; ++i) carry4[i] = static_cast<int8_t>(i % 16 < 8 ? -1 : 6 + (i & 1));
+        for (int i = 0; i < 32; ++i) {
+            const int b = i / 8;
+            fromPrev[i] = static_cast<int16_t>(b >= 1 ? (b - 1) * 8 + 7 : 0);
+            fromPrev2[i] = static_cast<int16_t>(b >= 2 ? (b - 2) * 8 + 7 : 0);
+            lo[i] = static_cast<int16_t>(i & 1 ? 0 : i / 2);
+            hi[i] = static_cast<int16_t>(i & 1 ? 0 : 16 + i / 2);
+            total[i] = 31;
+        }
+    }
+};
+constexpr WordIdx kWordIdx{};
+
+struct Prefix32 {
+    __m512i m4 = _mm512_set1_epi64(0x0001000100010001LL);
+    __m512i carry4 = _mm512_load_si512(kWordIdx.carry4);
+    __m512i fromPrev = _mm512_load_si512(kWordIdx.fromPrev), fromPrev2 = _mm512_load_si512(kWordIdx.fromPrev2);
+    __m512i lo = _mm512_load_si512(kWordIdx.lo), hi = _mm512_load_si512(kWordIdx.hi);
+    __m512i total = _mm512_load_si512(kWordIdx.total);
+
+    // Running sums of the 32 pixels at s (zeros past the mask) as two vectors
+    // of sixteen, plus the total in every lane.
+    void operator()(const Rvp8u* s, __mmask32 m, __m512i& a, __m512i& b, __m512i& t) const {
+        __m512i v = _mm512_cvtepu8_epi16(_mm256_maskz_loadu_epi8(m, s));
+        v = _mm512_mullo_epi64(v, m4);
+        v = _mm512_add_epi16(v, _mm512_shuffle_epi8(v, carry4));
+        v = _mm512_add_epi16(v, _mm512_maskz_permutexvar_epi16(0xFFFFFF00u, fromPrev, v));
+        v = _mm512_add_epi16(v, _mm512_maskz_permutexvar_epi16(0xFFFF0000u, fromPrev2, v));
+        a = _mm512_maskz_permutexvar_epi16(0x55555555u, lo, v);
+        b = _mm512_maskz_permutexvar_epi16(0x55555555u, hi, v);
+        t = _mm512_maskz_permutexvar_epi16(0x55555555u, total, v);
+    }
+};
+
+// (A vector conversion rather than the intrinsic, whose undefined pass-through
+// operand trips GCC 12's uninitialised-value warning.)
+inline __m512 toFloat(__m512i v) {
+    typedef int32_t s32x16 __attribute__((vector_size(64)));
+    typedef float f32x16 __attribute__((vector_size(64)));
+    return reinterpret_cast<__m512>(__builtin_convertvector(reinterpret_cast<s32x16>(v), f32x16));
+}
+inline void addStore16(const Rvp32s* prev, Rvp32s* cur, __m512i run, __mmask16 m) {
+    const __m512i above = _mm512_maskz_loadu_epi32(m, prev);
+    _mm512_mask_storeu_epi32(cur, m, _mm512_add_epi32(above, run));
+}
+inline void addStore16(const Rvp32f* prev, Rvp32f* cur, __m512i run, __mmask16 m) {
+    const __m512 above = _mm512_maskz_loadu_ps(m, prev);
+    _mm512_mask_storeu_ps(cur, m, _mm512_add_ps(above, toFloat(run)));
+}
+inline void addStore16(const Rvp32s* prev, Rvp32s* cur, __m512i run) {
+    _mm512_storeu_si512(cur, _mm512_add_epi32(_mm512_loadu_si512(prev), run));
+}
+inline void addStore16(const Rvp32f* prev, Rvp32f* cur, __m512i run) {
+    _mm512_storeu_ps(cur, _mm512_add_ps(_mm512_loadu_ps(prev), toFloat(run)));
+}
+
+// One row of the sum table. Rows go one at a time: the row above is still in
+// the first-level cache, and a single output stream beats two interleaved.
+// Two blocks a step, both prefixed before the carry joins them.
+template <class T> void uprightRow512(const Rvp8u* s, int w, const T* prev, T* cur) {
+    const Prefix32 pre;  // local, so that the stores cannot alias it and the constants stay in registers
+    __m512i run = _mm512_setzero_si512(), a, b, t;
+    int x = 0;
+    for (; x + 64 <= w; x += 64) {
+        __m512i a2, b2, t2;
+        pre(s + x, ~0u, a, b, t);
+        pre(s + x + 32, ~0u, a2, b2, t2);
+        const __m512i run2 = _mm512_add_epi32(run, t);
+        addStore16(prev + x, cur + x, _mm512_add_epi32(a, run));
+        addStore16(prev + x + 16, cur + x + 16, _mm512_add_epi32(b, run));
+        addStore16(prev + x + 32, cur + x + 32, _mm512_add_epi32(a2, run2));
+        addStore16(prev + x + 48, cur + x + 48, _mm512_add_epi32(b2, run2));
+        run = _mm512_add_epi32(run2, t2);
+    }
+    for (; x < w; x += 32) {  // up to 63 pixels left, masked past the row's end
+        const int n = w - x;
+        pre(s + x, n >= 32 ? ~0u : (1u << n) - 1, a, b, t);
+        const __mmask16 ma = static_cast<__mmask16>(n >= 16 ? 0xFFFF : (1u << n) - 1);
+        const __mmask16 mb = static_cast<__mmask16>(n >= 32 ? 0xFFFF : n > 16 ? (1u << (n - 16)) - 1 : 0);
+        addStore16(prev + x, cur + x, _mm512_add_epi32(a, run), ma);
+        if (mb) addStore16(prev + x + 16, cur + x + 16, _mm512_add_epi32(b, run), mb);
+        run = _mm512_add_epi32(run, t);
+    }
+}
+
+template <int R, class T> void uprightRows512(const Rvp8u* const* s, int w, const T* prev, T* const* cur) {
+    for (int k = 0; k < R; ++k) uprightRow512(s[k], w, k ? cur[k - 1] : prev, cur[k]);
+}
 #endif
 
 // R consecutive rows of a 32-bit or float table over wrapping 32-bit running
@@ -262,9 +363,15 @@ void tiltedSqr64f(const Rvp8u* __restrict s, int w, const Rvp64f* __restrict pre
 }  // namespace
 
 extern const IntegralKernels kIntegral = {
+#if defined(__AVX512BW__) && defined(__AVX512DQ__)
+    {uprightRows512<1, Rvp32s>, uprightRows512<2, Rvp32s>},
+    {uprightRows32<1, true, Rvp32s>, uprightRows32<2, true, Rvp32s>},
+    {uprightRows512<1, Rvp32f>, uprightRows512<2, Rvp32f>},
+#else
     {uprightRows32<1, false, Rvp32s>, uprightRows32<2, false, Rvp32s>},
     {uprightRows32<1, true, Rvp32s>, uprightRows32<2, true, Rvp32s>},
     {uprightRows32<1, false, Rvp32f>, uprightRows32<2, false, Rvp32f>},
+#endif
     {uprightRowsSqr64f<1>, uprightRowsSqr64f<2>},
     tiltedRow32s<false, false>,  tiltedRow32s<true, false>,  tiltedRow32s<false, true>,   tiltedRow32s<true, true>,
     tiltedRow32f,                tiltedSqr64f,

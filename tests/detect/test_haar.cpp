@@ -2,6 +2,7 @@
 // tilting after the fact, the six apply functions against the reference
 // evaluator on random stages, a three-stage cascade on a known pattern, and
 // the validation orders.
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -107,8 +108,6 @@ TEST(Haar, BoundingBoxAndSize) {
     RvpiSize size;
     ASSERT_EQ(rvpiGetHaarClassifierSize_32f(make(Input<float>{{{1, 2, 3, 4}}, {1}, {0}, {0}, {0}, {1}}, false).get(), &size), 0);
     EXPECT_TRUE(size.width == 4 && size.height == 6);
-    ASSERT_EQ(rvpiGetHaarClassifierSize_32s(s.get(), &size), 0);
-    EXPECT_TRUE(size.width == 8 && size.height == 8);
 }
 
 TEST(Haar, TiltAfterTheFact) {
@@ -169,7 +168,7 @@ TEST(Haar, ApplyMatchesReference) {
         std::mt19937 rng(seed);
         const Scene sc(17 + seed * 3, 9 + seed, seed);
         const RvpiSize roi{sc.w, sc.h};
-        const int count = seed == 1 ? 0 : static_cast<int>(rng() % 9 + 1), sf = -static_cast<int>(seed % 3);
+        const int count = seed == 1 ? 0 : static_cast<int>(rng() % 24 + 1), sf = -static_cast<int>(seed % 3);
         const bool tilted = seed % 3 == 0;  // a tilted state read through the plain forms too
         const Input<float> inF = randomStage<float>(rng, count, Scene::kWin, tilted);
         const Input<int> inI = randomStage<int>(rng, count, Scene::kWin, tilted);
@@ -239,21 +238,37 @@ TEST(Haar, ApplyMatchesReference) {
     }
 }
 
-// Boundaries by hand: a 1x1 region whose one-pixel sum is 10, weight 3 and
-// norm 2, so t = 30 = threshold 15 x norm takes val2 (7), and a stage
-// threshold equal to the score passes (7.5 does not).
+// Boundaries by hand: a 5x1 region (four positions side by side, then one
+// alone) whose one-pixel sums are 10, weighted 3 (further rectangles weigh
+// 0), norm 2. Every t = 30 = threshold 15 x norm takes val2 (7), in the two-
+// and three-rectangle groups and in the general loop alike, and a stage
+// threshold equal to the score passes.
 TEST(Haar, DecisionsAtTheBoundaries) {
-    const Rvp32s table[2][2] = {{0, 0}, {0, 10}}, normI = 2;
-    const Rvp32f tablef[2][2] = {{0, 0}, {0, 10}}, normF = 2;
-    auto s = make(Input<int>{{{0, 0, 1, 1}}, {3}, {15}, {1}, {7}, {1}}, false);
-    auto sF = make(Input<float>{{{0, 0, 1, 1}}, {3}, {15}, {1}, {7}, {1}}, false);
-    for (float stage : {7.0f, 7.5f}) {
-        Rvp8u m[2] = {1, 1};
-        int pos[2] = {-1, -1};
-        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 8, &normI, 4, &m[0], 1, {1, 1}, &pos[0], static_cast<int>(stage), s.get(), 5), 0);
-        ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 8, &normF, 4, &m[1], 1, {1, 1}, &pos[1], stage, sF.get()), 0);
-        EXPECT_TRUE(m[0] == 1 && pos[0] == 1) << stage;
-        EXPECT_EQ(m[1], stage == 7.0f ? 1 : 0);
+    const Rvp32s table[2][6] = {{0, 0, 0, 0, 0, 0}, {0, 10, 20, 30, 40, 50}}, normI[5] = {2, 2, 2, 2, 2};
+    const Rvp32f tablef[2][6] = {{0, 0, 0, 0, 0, 0}, {0, 10, 20, 30, 40, 50}}, normF[5] = {2, 2, 2, 2, 2};
+    Input<int> in;
+    for (int n : {2, 2, 2, 2, 3, 3, 3, 3, 1}) {
+        in.num.push_back(n);
+        for (int k = 0; k < n; ++k) {
+            in.feature.push_back({0, 0, 1, 1});
+            in.weight.push_back(k ? 0 : 3);
+        }
+        in.thr.push_back(15);
+        in.val1.push_back(1);
+        in.val2.push_back(7);
+    }
+    auto f = [](const std::vector<int>& v) { return std::vector<float>(v.begin(), v.end()); };
+    auto s = make(in, false);
+    auto sF = make(Input<float>{in.feature, f(in.weight), f(in.thr), f(in.val1), f(in.val2), in.num}, false);
+    for (int passes : {1, 0}) {
+        Rvp8u m[3][5] = {{1, 1, 1, 1, 1}, {1, 1, 1, 1, 1}, {1, 1, 1, 1, 1}};
+        int pos[3] = {-1, -1, -1};
+        const Rvp32f stage = passes ? 63.0f : 63.5f;
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s_C1RSfs(&table[0][0], 24, normI, 20, m[0], 5, {5, 1}, &pos[0], 64 - passes, s.get(), 5), 0);
+        ASSERT_EQ(rvpiApplyHaarClassifier_32f_C1R(&tablef[0][0], 24, normF, 20, m[1], 5, {5, 1}, &pos[1], stage, sF.get()), 0);
+        ASSERT_EQ(rvpiApplyHaarClassifier_32s32f_C1R(&table[0][0], 24, normF, 20, m[2], 5, {5, 1}, &pos[2], stage, sF.get()), 0);
+        for (int k = 0; k < 3; ++k)
+            EXPECT_TRUE(pos[k] == 5 * passes && std::count(m[k], m[k] + 5, passes) == 5) << k << " " << passes;
     }
 }
 
@@ -316,10 +331,8 @@ TEST(Haar, ConstructorValidation) {
     const struct { const char* what; RvpStatus got, want; } rows[] = {
         {"null state pointer", rvpiHaarClassifierInitAlloc_32f(nullptr, good, wf, vf, vf, vf, num2, -1), rvpStsNullPtrErr},
         {"null val2", rvpiHaarClassifierInitAlloc_32f(&pf, good, wf, vf, vf, nullptr, num2, 1), rvpStsNullPtrErr},
-        {"null counts", rvpiHaarClassifierInitAlloc_32s(&ps, good, wi, vi, vi, vi, nullptr, 1), rvpStsNullPtrErr},
         {"length before rectangles", rvpiHaarClassifierInitAlloc_32f(&pf, bad, wf, vf, vf, vf, num2, -1), rvpStsSizeErr},
         {"count 0", rvpiHaarClassifierInitAlloc_32s(&ps, bad, wi, vi, vi, vi, num0, 1), rvpStsSizeErr},
-        {"tilted count 0", rvpiTiltedHaarClassifierInitAlloc_32f(&pf, bad, wf, vf, vf, vf, num0, 1), rvpStsSizeErr},
         // The 32f upright constructor refuses before allocating: *ppState untouched.
         {"32f bad rectangle", rvpiHaarClassifierInitAlloc_32f(&pf, bad, wf, vf, vf, vf, num2, 1), rvpStsBadArgErr},
     };

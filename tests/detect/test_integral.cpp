@@ -91,6 +91,20 @@ TEST_P(IntegralAcross, MatchesReference) {
     }
 }
 
+// White rows give the largest block sums, which the vector paths hold in
+// 16-bit lanes before widening.
+TEST_P(IntegralAcross, WhiteRows) {
+    Image<Rvp8u> src(131, 3);
+    src.fill([] { return Rvp8u(255); });
+    const ref::Src s{src.ptr(), src.step(), 131, 3};
+    auto d = table<Rvp32s>({131, 3, 0}, 1);
+    auto f = table<Rvp32f>({131, 3, 0}, 1);
+    ASSERT_EQ(rvpiIntegral_8u32s_C1R(src.ptr(), src.step(), d.ptr(), d.step(), {131, 3}, -5), 0);
+    expectTable(d, ref::upright(s, -5, false));
+    ASSERT_EQ(rvpiIntegral_8u32f_C1R(src.ptr(), src.step(), f.ptr(), f.step(), {131, 3}, 0.5f), 0);
+    expectTable(f, ref::upright(s, 0.5f, false));
+}
+
 INSTANTIATE_TEST_SUITE_P(Isa, IntegralAcross, testing::ValuesIn(isaLevels()),
                          [](const auto& info) { return std::string(rvcv::isaName(info.param)); });
 
