@@ -15,10 +15,6 @@ struct Element {
 std::vector<Element> elements() {
     std::vector<Element> v;
     for (int s : {3, 7, 15, 41}) v.push_back({"Rect" + std::to_string(s), s, s, std::vector<Rvp8u>(s * s, 1)});
-    for (int s : {7, 15, 41}) {
-        v.push_back({"Row" + std::to_string(s), s, 1, std::vector<Rvp8u>(s, 1)});
-        v.push_back({"Col" + std::to_string(s), 1, s, std::vector<Rvp8u>(s, 1)});
-    }
     for (int r : {2, 7}) {
         Element e{"Disk" + std::to_string(r), 2 * r + 1, 2 * r + 1, {}};
         for (int y = -r; y <= r; ++y)
