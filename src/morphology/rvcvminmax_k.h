@@ -200,17 +200,19 @@ void rowEdges(const T* s, T* d, int w, int W, int a) {
 }
 
 template <class T, class Op, int C, int W>
+inline void directAt(const T* s, T* d, int j) {
+    KVec<T> v[W];
+    for (int i = 0; i < W; ++i) v[i] = loadv<KVec<T>>(s + j + i * C);
+    storev(d + j, TreeExt<Op, W>::of(v));
+}
+
+template <class T, class Op, int C, int W>
 void middleDirect(const T* s, T* d, int n) {
     constexpr int L = klanes<T>();
-    auto at = [&](int j) {
-        KVec<T> v[W];
-        for (int i = 0; i < W; ++i) v[i] = loadv<KVec<T>>(s + j + i * C);
-        storev(d + j, TreeExt<Op, W>::of(v));
-    };
     int j = 0;
-    for (; j + L <= n; j += L) at(j);
+    for (; j + L <= n; j += L) directAt<T, Op, C, W>(s, d, j);
     if (j < n && n >= L) {
-        at(n - L);  // the last vector again, overlapping: same values
+        directAt<T, Op, C, W>(s, d, n - L);  // the last vector again, overlapping: same values
         return;
     }
     for (; j < n; ++j) {
