@@ -199,16 +199,19 @@ void rowEdges(const T* s, T* d, int w, int W, int a) {
     }
 }
 
+// Short windows read every sample, on 32-byte vectors at every level: a
+// 64-byte vector at an unaligned address always splits a cache line, and
+// with up to five loads a vector that costs more than it saves.
 template <class T, class Op, int C, int W>
 inline void directAt(const T* s, T* d, int j) {
-    KVec<T> v[W];
-    for (int i = 0; i < W; ++i) v[i] = loadv<KVec<T>>(s + j + i * C);
+    Vec<T> v[W];
+    for (int i = 0; i < W; ++i) v[i] = loadv<Vec<T>>(s + j + i * C);
     storev(d + j, TreeExt<Op, W>::of(v));
 }
 
 template <class T, class Op, int C, int W>
 void middleDirect(const T* s, T* d, int n) {
-    constexpr int L = klanes<T>();
+    constexpr int L = lanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) directAt<T, Op, C, W>(s, d, j);
     if (j < n && n >= L) {
