@@ -14,7 +14,7 @@ struct Element {
 
 std::vector<Element> elements() {
     std::vector<Element> v;
-    for (int s : {3, 15, 41}) v.push_back({"Rect" + std::to_string(s), s, s, std::vector<Rvp8u>(s * s, 1)});
+    for (int s : {3, 7, 15, 41}) v.push_back({"Rect" + std::to_string(s), s, s, std::vector<Rvp8u>(s * s, 1)});
     for (int r : {2, 7}) {
         Element e{"Disk" + std::to_string(r), 2 * r + 1, 2 * r + 1, {}};
         for (int y = -r; y <= r; ++y)

@@ -10,7 +10,7 @@
 
 namespace rvcv {
 
-const MinMaxKernels& minMaxKernels() { return pick(m7::kMinMax, avx2::kMinMax); }
+const MinMaxKernels& minMaxKernels() { return pick(m7::kMinMax, avx2::kMinMax, avx512::kMinMax); }
 
 int minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight) {
     return wadd(wadd(wmul(wmul(2, maskHeight), wadd(wmul(roiWidth, pixelBytes), 32)), 32), wmul(32, maskHeight));

@@ -43,6 +43,7 @@ struct MinMaxKernels {
 
 namespace m7 { extern const MinMaxKernels kMinMax; }
 namespace avx2 { extern const MinMaxKernels kMinMax; }
+namespace avx512 { extern const MinMaxKernels kMinMax; }
 
 const MinMaxKernels& minMaxKernels();
 

@@ -6,6 +6,7 @@
 // directly, long ones use a block-wise running extremum (about three
 // comparisons a sample whatever the height).
 #include <cstddef>
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -17,8 +18,62 @@ namespace rvcv {
 namespace RVCV_ISA_NS {
 namespace {
 
+// Vector width of this build: 32 bytes, or 64 in the 512-bit build.
+#ifndef RVCV_MINMAX_VBYTES
+#define RVCV_MINMAX_VBYTES 32
+#endif
+// Samples of 1 and 2 bytes keep 32-byte vectors there: their rows ran no
+// faster on 64 bytes.
+template <class T> constexpr int kbytes() { return sizeof(T) <= 2 ? 32 : RVCV_MINMAX_VBYTES; }
+template <class T> struct KVecOf { typedef T type __attribute__((vector_size(kbytes<T>()))); };
+template <class T> using KVec = typename KVecOf<T>::type;
+template <class T> constexpr int klanes() { return kbytes<T>() / static_cast<int>(sizeof(T)); }
+
+// Store that bypasses the cache; p must be 16-byte aligned.
+template <class V> inline void streamk(void* p, V v) {
+    for (unsigned i = 0; i < sizeof v; i += 16) {
+        __m128i part;
+        std::memcpy(&part, reinterpret_cast<const char*>(&v) + i, 16);
+        _mm_stream_si128(reinterpret_cast<__m128i*>(static_cast<char*>(p) + i), part);
+    }
+}
+
+#ifdef __AVX__
 struct OpMin { template <class X> static X f(X a, X b) { return a < b ? a : b; } };
 struct OpMax { template <class X> static X f(X a, X b) { return a > b ? a : b; } };
+#else
+// Without AVX the compiler takes a float vector's select apart sample by
+// sample; MINPS and MAXPS are exactly a < b ? a : b and a > b ? a : b.
+template <class V, class H, class F> inline V byHalves(V a, V b, F op) {
+    static_assert(sizeof(V) == 2 * sizeof(H), "two halves");
+    H x[2], y[2];
+    std::memcpy(x, &a, sizeof a);
+    std::memcpy(y, &b, sizeof b);
+    x[0] = op(x[0], y[0]);
+    x[1] = op(x[1], y[1]);
+    V r;
+    std::memcpy(&r, x, sizeof r);
+    return r;
+}
+struct OpMin {
+    template <class X> static X f(X a, X b) { return a < b ? a : b; }
+    static KVec<float> f(KVec<float> a, KVec<float> b) {
+        return byHalves<KVec<float>, __m128>(a, b, [](__m128 x, __m128 y) { return _mm_min_ps(x, y); });
+    }
+    static KVec<double> f(KVec<double> a, KVec<double> b) {
+        return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_min_pd(x, y); });
+    }
+};
+struct OpMax {
+    template <class X> static X f(X a, X b) { return a > b ? a : b; }
+    static KVec<float> f(KVec<float> a, KVec<float> b) {
+        return byHalves<KVec<float>, __m128>(a, b, [](__m128 x, __m128 y) { return _mm_max_ps(x, y); });
+    }
+    static KVec<double> f(KVec<double> a, KVec<double> b) {
+        return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_max_pd(x, y); });
+    }
+};
+#endif
 
 // Extremum of N values as a balanced tree, so independent comparisons can
 // run side by side instead of in one chain.
@@ -44,24 +99,24 @@ template <class T> inline T* rowAt(T* base, int step, int y) {
 // out[j] = ext(a[j], b[j]) walking forward, so out == a with b above a is a safe in-place update.
 template <class T, class Op, bool NT = false>
 inline void ext2(T* out, const T* a, const T* b, int n) {
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) {
-        const Vec<T> v = Op::f(loadv<Vec<T>>(a + j), loadv<Vec<T>>(b + j));
-        if (NT) streamv(out + j, v); else storev(out + j, v);
+        const KVec<T> v = Op::f(loadv<KVec<T>>(a + j), loadv<KVec<T>>(b + j));
+        if (NT) streamk(out + j, v); else storev(out + j, v);
     }
     for (; j < n; ++j) out[j] = Op::f(a[j], b[j]);
 }
 
 template <class T, class Op, int N, bool NT>
 inline void foldN(const T* const* r, T* d, int n) {
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) {
-        Vec<T> v[N];
-        for (int i = 0; i < N; ++i) v[i] = loadv<Vec<T>>(r[i] + j);
-        const Vec<T> acc = TreeExt<Op, N>::of(v);
-        if (NT) streamv(d + j, acc); else storev(d + j, acc);
+        KVec<T> v[N];
+        for (int i = 0; i < N; ++i) v[i] = loadv<KVec<T>>(r[i] + j);
+        const KVec<T> acc = TreeExt<Op, N>::of(v);
+        if (NT) streamk(d + j, acc); else storev(d + j, acc);
     }
     for (; j < n; ++j) {
         T acc = Op::f(r[0][j], r[1][j]);
@@ -72,9 +127,9 @@ inline void foldN(const T* const* r, T* d, int n) {
 
 template <class T, bool NT> inline void copyRow(const T* s, T* d, int n) {
     if (!NT) { std::memcpy(d, s, sizeof(T) * static_cast<size_t>(n)); return; }
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     int j = 0;
-    for (; j + L <= n; j += L) streamv(d + j, loadv<Vec<T>>(s + j));
+    for (; j + L <= n; j += L) streamk(d + j, loadv<KVec<T>>(s + j));
     for (; j < n; ++j) d[j] = s[j];
 }
 
@@ -98,8 +153,25 @@ template <class T, class Op> void foldEntry(const void* const* rows, int n, void
 }
 
 // ---- Rows ----------------------------------------------------------------------
-// Outputs whose rectangle passes an end of the row: a running extremum from
-// sample 0 for the left ones, from the last sample backwards for the right ones.
+// Extremum of cnt >= 1 samples step apart, in four independent chains.
+template <class T, class Op>
+inline T reduceStrided(const T* p, int cnt, int step) {
+    T r0 = p[0], r1 = r0, r2 = r0, r3 = r0;
+    int i = 1;
+    for (; i + 4 <= cnt; i += 4) {
+        r0 = Op::f(r0, p[i * step]);
+        r1 = Op::f(r1, p[(i + 1) * step]);
+        r2 = Op::f(r2, p[(i + 2) * step]);
+        r3 = Op::f(r3, p[(i + 3) * step]);
+    }
+    for (; i < cnt; ++i) r0 = Op::f(r0, p[i * step]);
+    return Op::f(Op::f(r0, r1), Op::f(r2, r3));
+}
+
+// Outputs whose rectangle passes an end of the row: the first rectangle at
+// each end is reduced at once, then a running extremum widens it by one
+// sample per output, from sample 0 for the left ones and from the last
+// sample backwards for the right ones.
 template <class T, class Op, int C>
 void rowEdges(const T* s, T* d, int w, int W, int a) {
     const int xl = a < w ? a : w;
@@ -107,35 +179,44 @@ void rowEdges(const T* s, T* d, int w, int W, int a) {
     const int xr = static_cast<int>(xr0 > a ? xr0 : a);
     for (int ch = 0; ch < C; ++ch) {
         if (xl > 0) {
-            T run = s[ch];
-            long long j = 0;
-            for (int x = 0; x < xl; ++x) {
-                long long e = static_cast<long long>(x) - a + W - 1;
-                if (e > w - 1) e = w - 1;
-                for (; j < e; ++j) run = Op::f(run, s[(j + 1) * C + ch]);
+            int j = W - 1 - a < w - 1 ? W - 1 - a : w - 1;
+            T run = reduceStrided<T, Op>(s + ch, j + 1, C);
+            d[ch] = run;
+            for (int x = 1; x < xl; ++x) {
+                if (j < w - 1) run = Op::f(run, s[++j * C + ch]);
                 d[x * C + ch] = run;
             }
         }
         if (xr < w) {
-            T run = s[(w - 1) * C + ch];
-            int j = w - 1;
-            for (int x = w - 1; x >= xr; --x) {
-                const int b = x - a;
-                for (; j > b; --j) run = Op::f(run, s[(j - 1) * C + ch]);
+            int j = w - 1 - a;  // at least 0: xr >= a
+            T run = reduceStrided<T, Op>(s + j * C + ch, w - j, C);
+            d[(w - 1) * C + ch] = run;
+            for (int x = w - 2; x >= xr; --x) {
+                if (j > x - a) run = Op::f(run, s[--j * C + ch]);
                 d[x * C + ch] = run;
             }
         }
     }
 }
 
+// Short windows read every sample, on 32-byte vectors at every level: a
+// 64-byte vector at an unaligned address always splits a cache line, and
+// with up to five loads a vector that costs more than it saves.
+template <class T, class Op, int C, int W>
+inline void directAt(const T* s, T* d, int j) {
+    Vec<T> v[W];
+    for (int i = 0; i < W; ++i) v[i] = loadv<Vec<T>>(s + j + i * C);
+    storev(d + j, TreeExt<Op, W>::of(v));
+}
+
 template <class T, class Op, int C, int W>
 void middleDirect(const T* s, T* d, int n) {
     constexpr int L = lanes<T>();
     int j = 0;
-    for (; j + L <= n; j += L) {
-        Vec<T> v[W];
-        for (int i = 0; i < W; ++i) v[i] = loadv<Vec<T>>(s + j + i * C);
-        storev(d + j, TreeExt<Op, W>::of(v));
+    for (; j + L <= n; j += L) directAt<T, Op, C, W>(s, d, j);
+    if (j < n && n >= L) {
+        directAt<T, Op, C, W>(s, d, n - L);  // the last vector again, overlapping: same values
+        return;
     }
     for (; j < n; ++j) {
         T acc = s[j];
@@ -144,26 +225,145 @@ void middleDirect(const T* s, T* d, int n) {
     }
 }
 
-// Windows of 2, 4, 8 ... pixels built in place in a stack block, then two
+// ext2 out of place: a short end is one more vector overlapping the last.
+template <class T, class Op>
+inline void ext2Apart(T* out, const T* a, const T* b, int n) {
+    constexpr int L = klanes<T>();
+    if (n < L) {
+        ext2<T, Op>(out, a, b, n);
+        return;
+    }
+    int j = 0;
+    for (; j + L <= n; j += L) storev(out + j, Op::f(loadv<KVec<T>>(a + j), loadv<KVec<T>>(b + j)));
+    if (j < n) storev(out + n - L, Op::f(loadv<KVec<T>>(a + n - L), loadv<KVec<T>>(b + n - L)));
+}
+
+// ext2 in a stack block with room past n: whole vectors only; lanes past n
+// hold values nothing reads.
+template <class T, class Op>
+inline void ext2Whole(T* out, const T* a, const T* b, int n) {
+    constexpr int L = klanes<T>();
+    for (int j = 0; j < n; j += L) storev(out + j, Op::f(loadv<KVec<T>>(a + j), loadv<KVec<T>>(b + j)));
+}
+
+#if RVCV_MINMAX_VBYTES == 64
+#define RVCV_MINMAX_PIPE 1
+// (b:a) shifted down by S bytes, a being the lower 64-byte vector: the
+// vector that starts S bytes into a, taken from registers instead of a
+// split load.
+template <int S, class V> inline V shiftCat(V a, V b) {
+    constexpr int q = S / 16, r = S % 16;
+    const __m512i ia = bitcast<__m512i>(a), ib = bitcast<__m512i>(b);
+    __m512i lo = ia, hi = ib;
+    if constexpr (q > 0) lo = _mm512_mask_alignr_epi32(ia, 0xFFFF, ib, ia, 4 * q);
+    if constexpr (r != 0 && q < 3) hi = _mm512_mask_alignr_epi32(ia, 0xFFFF, ib, ia, 4 * q + 4);
+    if constexpr (r == 0) return bitcast<V>(lo);
+    else return bitcast<V>(_mm512_alignr_epi8(hi, lo, r));
+}
+
+// Levels of the doubling held in registers: prev[t] is the newest vector of
+// windows of 2^t pixels; a new vector x of level t gives, with prev[t], the
+// next vector of level t + 1.
+template <class T, class Op, int C, int t, int M>
+inline void climb(KVec<T>* prev, KVec<T> x, KVec<T>& top) {
+    if constexpr (t == M) {
+        top = x;
+    } else {
+        const KVec<T> next = Op::f(prev[t], shiftCat<(1 << t) * C * static_cast<int>(sizeof(T))>(prev[t], x));
+        prev[t] = x;
+        climb<T, Op, C, t + 1, M>(prev, next, top);
+    }
+}
+
+// The first M vectors fill the levels below k.
+template <class T, class Op, int C, int t, int M>
+inline void prime(KVec<T>* prev, KVec<T> x, int k) {
+    if constexpr (t < M) {
+        if (t == k) {
+            prev[t] = x;
+            return;
+        }
+        const KVec<T> next = Op::f(prev[t], shiftCat<(1 << t) * C * static_cast<int>(sizeof(T))>(prev[t], x));
+        prev[t] = x;
+        prime<T, Op, C, t + 1, M>(prev, next, k);
+    }
+}
+
+// out = windows of 2^M pixels over p (lenIn samples), nv whole vectors;
+// lanes past the input's end see copies of its last sample and are unused.
+template <class T, class Op, int C, int M>
+void pipeline(const T* p, int lenIn, T* out, int nv) {
+    using Vt = KVec<T>;
+    constexpr int L = klanes<T>();
+    const int full = lenIn / L, last = nv - 1 + M;
+    alignas(64) T tail[(M + 3) * L];
+    for (int i = 0; i < (last + 1 - full) * L; ++i) {
+        const int k = full * L + i;
+        tail[i] = p[k < lenIn ? k : lenIn - 1];
+    }
+    auto X = [&](int k) { return k < full ? loadv<Vt>(p + k * L) : loadv<Vt>(tail + (k - full) * L); };
+    Vt prev[M];
+    for (int k = 0; k < M; ++k) prime<T, Op, C, 0, M>(prev, X(k), k);
+    for (int k = M; k <= last; ++k) {
+        Vt top;
+        climb<T, Op, C, 0, M>(prev, X(k), top);
+        storev(out + (k - M) * L, top);
+    }
+}
+
+// Register levels whose shift stays inside one vector.
+template <class T, int C> constexpr int pipeLevels() {
+    int m = 0;
+    while ((1 << m) * C * static_cast<int>(sizeof(T)) < 64 && m < 6) ++m;
+    return m;
+}
+
+template <class T, class Op, int C, int Mv>
+void pipeDispatch(int M, const T* p, int lenIn, T* out, int nv) {
+    if constexpr (Mv >= 1) {
+        if (M == Mv) pipeline<T, Op, C, Mv>(p, lenIn, out, nv);
+        else pipeDispatch<T, Op, C, Mv - 1>(M, p, lenIn, out, nv);
+    }
+}
+#endif
+
+// Windows of 2, 4, 8 ... pixels built in a stack block, then two
 // overlapping windows of the largest power of two give the W-pixel window.
-// W is 2 to 63.
+// W is 2 to 63. Where the instruction set shifts across a vector pair, the
+// levels up to one vector's width are built in registers in one pass.
 template <class T, class Op, int C>
 void middleDoubling(const T* s, T* d, int n, int W) {
     constexpr int CH = 2048 / static_cast<int>(sizeof(T));
-    alignas(32) T buf[CH + 64 * C];
+    constexpr int L = klanes<T>();
+    alignas(64) T buf[CH + 64 * C + 3 * L];
     int m = 1;
     while ((2 << m) <= W) ++m;
     const int span = (W - (1 << m)) * C;
     for (int s0 = 0; s0 < n; s0 += CH) {
         const int cnt = n - s0 < CH ? n - s0 : CH;
         int len = cnt + (W - 2) * C;
-        ext2<T, Op>(buf, s + s0, s + s0 + C, len);
-        for (int t = 2; t <= m; ++t) {
+        int t = 2;
+#ifdef RVCV_MINMAX_PIPE
+        if constexpr (L * sizeof(T) == 64) {
+            constexpr int Mmax = pipeLevels<T, C>();
+            const int M = m < Mmax ? m : Mmax;
+            len = cnt + (W - (1 << M)) * C;
+            const int nv = (len + L - 1) / L;
+            pipeDispatch<T, Op, C, Mmax>(M, s + s0, cnt + (W - 1) * C, buf, nv);
+            std::fill(buf + nv * L, buf + len + 2 * L, T(0));
+            t = M + 1;
+        } else
+#endif
+        {
+            ext2Apart<T, Op>(buf, s + s0, s + s0 + C, len);
+            std::fill(buf + len, buf + len + 2 * L, T(0));
+        }
+        for (; t <= m; ++t) {
             const int shift = (1 << (t - 1)) * C;
             len -= shift;
-            ext2<T, Op>(buf, buf, buf + shift, len);
+            ext2Whole<T, Op>(buf, buf, buf + shift, len);
         }
-        ext2<T, Op>(d + s0, buf, buf + span, cnt);
+        ext2Apart<T, Op>(d + s0, buf, buf + span, cnt);
     }
 }
 
@@ -202,12 +402,12 @@ void rowVH(const void* sv, void* dv, int w, int W, int a) {
     int k = 63;
     exactRow<T, Op, C>(s, d, w, 63, a < 62 ? a : 62);
     const int n = w * C;
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     while (a >= k) {
         const int dd = a - k + 1 < k ? a - k + 1 : k;
         const int sh = dd < w ? dd * C : n;
         int j = n;
-        for (; j - L >= sh; j -= L) storev(d + j - L, Op::f(loadv<Vec<T>>(d + j - L), loadv<Vec<T>>(d + j - L - sh)));
+        for (; j - L >= sh; j -= L) storev(d + j - L, Op::f(loadv<KVec<T>>(d + j - L), loadv<KVec<T>>(d + j - L - sh)));
         for (--j; j >= sh; --j) d[j] = Op::f(d[j], d[j - sh]);
         for (; j >= 0; --j) d[j] = Op::f(d[j], d[j % C]);
         k += dd;
@@ -259,13 +459,13 @@ void rowFixed(const void* sv, void* dv, int w, int W, int a) {
 // row above the pair completes the first, the row below the second.
 template <class T, class Op, int NC, bool NT>
 void foldPairN(const T* const* c, const T* top, const T* bot, T* o0, T* o1, int n) {
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     int j = 0;
     for (; j + L <= n; j += L) {
-        Vec<T> acc = loadv<Vec<T>>(c[0] + j);
-        for (int i = 1; i < NC; ++i) acc = Op::f(acc, loadv<Vec<T>>(c[i] + j));
-        const Vec<T> v0 = Op::f(acc, loadv<Vec<T>>(top + j)), v1 = Op::f(acc, loadv<Vec<T>>(bot + j));
-        if (NT) { streamv(o0 + j, v0); streamv(o1 + j, v1); }
+        KVec<T> acc = loadv<KVec<T>>(c[0] + j);
+        for (int i = 1; i < NC; ++i) acc = Op::f(acc, loadv<KVec<T>>(c[i] + j));
+        const KVec<T> v0 = Op::f(acc, loadv<KVec<T>>(top + j)), v1 = Op::f(acc, loadv<KVec<T>>(bot + j));
+        if (NT) { streamk(o0 + j, v0); streamk(o1 + j, v1); }
         else { storev(o0 + j, v0); storev(o1 + j, v1); }
     }
     for (; j < n; ++j) {
@@ -431,13 +631,13 @@ void growRun(const void* sv, const void* pv, void* dv, int w, int len, int off) 
     const T* s = static_cast<const T*>(sv);
     const T* prev = static_cast<const T*>(pv);
     T* d = static_cast<T*>(dv);
-    constexpr int VL = lanes<T>();
+    constexpr int VL = klanes<T>();
     const int lo = -off * C, hi = (len - 1 - off) * C;
     const int xb = off, xe = w - len + off;
     int t = xb * C;
     const int t1 = (xe + 1) * C;
     for (; t + VL <= t1; t += VL)
-        storev(d + t, Op::f(loadv<Vec<T>>(prev + t), Op::f(loadv<Vec<T>>(s + t + lo), loadv<Vec<T>>(s + t + hi))));
+        storev(d + t, Op::f(loadv<KVec<T>>(prev + t), Op::f(loadv<KVec<T>>(s + t + lo), loadv<KVec<T>>(s + t + hi))));
     for (; t < t1; ++t) d[t] = Op::f(prev[t], Op::f(s[t + lo], s[t + hi]));
     auto edge = [&](int x) {
         for (int ch = 0; ch < C; ++ch) {
@@ -473,7 +673,7 @@ template <bool Dilate> struct DirectOp<float, Dilate> {
 template <class T, int C, bool Dilate>
 void direct(const void* topLeft, int step, void* dv, int width, const void* cells, int mW, int mH) {
     using O = DirectOp<T, Dilate>;
-    constexpr int L = lanes<T>();
+    constexpr int L = klanes<T>();
     const char* base = static_cast<const char*>(topLeft);
     const uint8_t* cb = static_cast<const uint8_t*>(cells);
     T* d = static_cast<T*>(dv);
@@ -485,11 +685,11 @@ void direct(const void* topLeft, int step, void* dv, int width, const void* cell
     };
     int j = 0;
     for (; j + L <= n; j += L) {
-        Vec<T> acc = splat<Vec<T>>(O::start());
+        KVec<T> acc = splat<KVec<T>>(O::start());
         for (int r = 0; r < mH; ++r) {
             const T* row = reinterpret_cast<const T*>(base + static_cast<ptrdiff_t>(step) * r) + j;
             for (int c = 0; c < mW; ++c)
-                acc = O::ext(acc, O::cell(loadv<Vec<T>>(row + c * C), splat<Vec<T>>(cellValue(r, c))));
+                acc = O::ext(acc, O::cell(loadv<KVec<T>>(row + c * C), splat<KVec<T>>(cellValue(r, c))));
         }
         storev(d + j, acc);
     }

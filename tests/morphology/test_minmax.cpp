@@ -62,8 +62,9 @@ void runCase(const Form<T>& f, int w, int h, int pad, int W, int H, int ax, int 
 }
 
 struct Geometry { int w, h, pad; };
+// 1111 x 3: rows longer than the stack blocks the row kernels work in.
 const Geometry kSizes[] = {{1, 1, 0}, {2, 3, 4}, {7, 5, 0}, {16, 9, 8}, {31, 17, 4}, {40, 40, 0},
-                           {65, 12, 12}, {129, 70, 0}, {70, 129, 20}};
+                           {65, 12, 12}, {129, 70, 0}, {70, 129, 20}, {1111, 3, 4}};
 const int kLengths[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 20, 21, 41, 63, 64, 70, 131};
 
 template <class T>
@@ -92,8 +93,8 @@ TEST_P(MinMaxFilterIsa, MatchesReference) {
 template <class T>
 void checkRowKernels(rvcv::MinMaxRowFn const (&fns)[2][2]) {
     std::mt19937 rng(7);
-    for (int w : {1, 2, 5, 33, 200})
-        for (int W : {3, 9, 64, 150})
+    for (int w : {1, 2, 5, 33, 200, 601})
+        for (int W : {3, 9, 17, 64, 150})
             for (int op = 0; op < 2; ++op) {
                 const int a = static_cast<int>(rng() % W);
                 std::vector<T> src(w), dst(w);
