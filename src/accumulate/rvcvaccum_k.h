@@ -1,7 +1,8 @@
 // Accumulation kernels, written once over source type, operation and mask,
-// compiled per instruction set. A row runs 16 and 8 pixels a step (AVX2) or
-// 4 (SSE), then groups of 4, or 16-lane blocks with a lane mask at both ends
-// (AVX-512), all branch-free; only the last width % 4 pixels go one by one.
+// compiled per instruction set. A row runs 32 (8-bit sources), 16 and 8
+// pixels a step (AVX2) or 4 (SSE), then groups of 4; with AVX-512 the
+// unmasked 8- and 16-bit forms run 16-lane blocks with lane masks at both
+// ends. All of it is branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
 #include <algorithm>
