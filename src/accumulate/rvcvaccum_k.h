@@ -1,8 +1,8 @@
 // Accumulation kernels, written once over source type, operation and mask,
 // compiled per instruction set. A row runs 32 (8-bit sources), 16 and 8
-// pixels a step (AVX2) or 4 (SSE), then groups of 4; with AVX-512 the
-// unmasked 8- and 16-bit forms run 16-lane blocks with lane masks at both
-// ends. All of it is branch-free; only the last width % 4 pixels go one by one.
+// pixels a step (AVX2) or 4 (SSE), then groups of 4; with AVX-512 the 8-bit
+// forms run 64-pixel blocks and 16-lane blocks with lane masks at both ends.
+// All of it is branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
 #include <algorithm>
@@ -227,11 +227,10 @@ inline void group4(const T* s1, const T* s2, const uint8_t* m, const float* acc,
 
 #ifdef __AVX512F__
 // ---- Sixteen pixels (AVX-512) -------------------------------------------------
-// 64-byte accesses pay only where one narrow source is the sole extra stream:
-// the unmasked 8- and 16-bit forms. With a mask stream or float sources,
-// 32-byte accesses measured faster on the same machine, so those forms keep
-// the AVX2 row.
-template <class T, bool Masked> constexpr bool kWide512 = !Masked && sizeof(T) <= 2;
+// 64-byte accumulator accesses pay where the sources are 8-bit; with 16-bit
+// or float sources 32-byte accesses measured faster on the same machine, so
+// those forms keep the AVX2 row.
+template <class T> constexpr bool kWide512 = sizeof(T) == 1;
 
 // Exact conversions. The zero-masking forms with every lane set are the plain
 // instructions; the plain intrinsics' undefined pass-through operand trips
@@ -248,50 +247,75 @@ template <bool Part> inline __m512 samples16(const uint8_t* p, __mmask16 k) {
 template <bool Part> inline __m512 samples16(const int8_t* p, __mmask16 k) {
     return toFloat(_mm512_maskz_cvtepi8_epi32(kAll16, bytes16<Part>(p, k)));
 }
-template <bool Part> inline __m512 samples16(const uint16_t* p, __mmask16 k) {
-    __m256i v;
-    if constexpr (Part) v = _mm256_maskz_loadu_epi16(k, p);
-    else v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-    return toFloat(_mm512_maskz_cvtepu16_epi32(kAll16, v));
-}
 template <bool Part> inline __m512 samples16(const float* p, __mmask16 k) {
     if constexpr (Part) return _mm512_maskz_loadu_ps(k, p);
     else return _mm512_loadu_ps(p);
 }
 
-// Sixteen pixels, or the lanes of `lanes` when Part.
-template <class T, int Op, bool Part, bool NT>
-inline void block16(const T* s1, const T* s2, const float* acc, float* d, __m512 alpha, __mmask16 lanes) {
-    const __m512 x = samples16<Part>(s1, lanes);
-    const __m512 y = Op == kAccProduct ? samples16<Part>(s2, lanes) : x;
+// Sixteen pixels, or the lanes of `lanes` when Part; `sel` holds the lanes
+// whose mask byte is set. Masked-out samples are read as zero where that alone
+// makes the term +0; the weighted term is cleared after it is formed.
+template <class T, int Op, bool Masked, bool Part, bool NT>
+inline void block16(const T* s1, const T* s2, const float* acc, float* d, __m512 alpha, __mmask16 lanes,
+                    __mmask16 sel) {
+    constexpr bool zeroSamples = Masked && Op != kAccWeighted;
+    const __mmask16 k = zeroSamples ? sel : lanes;
+    const __m512 x = samples16<Part || zeroSamples>(s1, k);
+    const __m512 y = Op == kAccProduct ? samples16<Part || zeroSamples>(s2, k) : x;
     const __m512 a = samples16<Part>(acc, lanes);
-    const __m512 r = a + Term<Op>::of(x, y, a, alpha);
+    __m512 t = Term<Op>::of(x, y, a, alpha);
+    if constexpr (Masked && Op == kAccWeighted) t = _mm512_maskz_mov_ps(sel, t);
+    const __m512 r = a + t;
     if constexpr (Part) _mm512_mask_storeu_ps(d, lanes, r);
     else if constexpr (NT) _mm512_stream_ps(d, r);
     else _mm512_storeu_ps(d, r);
 }
 
-template <class T, int Op>
-inline void part16(const T* s1, const T* s2, const float* acc, float* d, __m512 alpha, int n) {
-    block16<T, Op, true, false>(s1, s2, acc, d, alpha, static_cast<__mmask16>((1u << n) - 1u));
+template <bool Masked, bool Part> inline __mmask16 selected16(const uint8_t* m, __mmask16 lanes) {
+    if constexpr (!Masked) return lanes;
+    else {
+        const __m128i mv = bytes16<Part>(m, lanes);
+        return _mm_test_epi8_mask(mv, mv) & lanes;
+    }
+}
+
+template <class T, int Op, bool Masked>
+inline void part16(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m512 alpha, int n) {
+    const __mmask16 lanes = static_cast<__mmask16>((1u << n) - 1u);
+    block16<T, Op, Masked, true, false>(s1, s2, acc, d, alpha, lanes, selected16<Masked, true>(m, lanes));
+}
+
+// Sixty-four pixels: one test of 64 mask bytes serves four blocks.
+template <class T, int Op, bool Masked, bool NT>
+inline void block64(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m512 alpha) {
+    uint64_t sel = ~uint64_t{0};
+    if constexpr (Masked) {
+        const __m512i mv = _mm512_loadu_si512(m);
+        sel = _mm512_test_epi8_mask(mv, mv);
+    }
+    for (int i = 0; i < 4; ++i, sel >>= 16)
+        block16<T, Op, Masked, false, NT>(s1 + 16 * i, s2 + 16 * i, acc + 16 * i, d + 16 * i, alpha, kAll16,
+                                          static_cast<__mmask16>(sel));
 }
 
 // The branch-free part of a row, [0, n) with n a multiple of 4. A partial
 // block first brings the stores to a 64-byte boundary (so none straddles a
 // cache line, and bypassing stores are aligned), another ends the row.
-template <class T, int Op, bool NT>
-inline void wideRow(const T* s1, const T* s2, const float* acc, float* d, int n, float alpha) {
+template <class T, int Op, bool Masked, bool NT>
+inline void wideRow(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int n, float alpha) {
     const __m512 alpha16 = _mm512_set1_ps(alpha);
     const uintptr_t addr = reinterpret_cast<uintptr_t>(d);
     int x = 0;
     if ((addr & 3) == 0 && (addr & 63) != 0) {
         x = std::min(n, static_cast<int>((64 - (addr & 63)) / 4));
-        part16<T, Op>(s1, s2, acc, d, alpha16, x);
+        part16<T, Op, Masked>(s1, s2, m, acc, d, alpha16, x);
     }
     for (; x + 64 <= n; x += 64)
-        for (int i = x; i < x + 64; i += 16) block16<T, Op, false, NT>(s1 + i, s2 + i, acc + i, d + i, alpha16, kAll16);
-    for (; x + 16 <= n; x += 16) block16<T, Op, false, NT>(s1 + x, s2 + x, acc + x, d + x, alpha16, kAll16);
-    if (x < n) part16<T, Op>(s1 + x, s2 + x, acc + x, d + x, alpha16, n - x);
+        block64<T, Op, Masked, NT>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha16);
+    for (; x + 16 <= n; x += 16)
+        block16<T, Op, Masked, false, NT>(s1 + x, s2 + x, acc + x, d + x, alpha16, kAll16,
+                                          selected16<Masked, false>(Masked ? m + x : m, kAll16));
+    if (x < n) part16<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha16, n - x);
 }
 #endif
 
@@ -326,9 +350,9 @@ void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d,
     const __m128 alpha4 = broadcast4(alpha);
     int x = 0;
 #if defined(__AVX512F__)
-    if constexpr (kWide512<T, Masked>) {
+    if constexpr (kWide512<T>) {
         x = w - w % 4;
-        wideRow<T, Op, NT>(s1, s2, acc, d, x, alpha);
+        wideRow<T, Op, Masked, NT>(s1, s2, m, acc, d, x, alpha);
     } else {
         x = groups256<T, Op, Masked, NT>(s1, s2, m, acc, d, w, alpha);
     }
