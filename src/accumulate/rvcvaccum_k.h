@@ -254,7 +254,9 @@ template <bool Part> inline __m512 samples16(const float* p, __mmask16 k) {
 
 // Sixteen pixels, or the lanes of `lanes` when Part; `sel` holds the lanes
 // whose mask byte is set. Masked-out samples are read as zero where that alone
-// makes the term +0; the weighted term is cleared after it is formed.
+// makes the term +0 (sums, squares, products: both factors are cleared, so a
+// signed 0 * -5 cannot give -0); the weighted term is cleared after it is
+// formed. Either way the pixel becomes acc + 0.
 template <class T, int Op, bool Masked, bool Part, bool NT>
 inline void block16(const T* s1, const T* s2, const float* acc, float* d, __m512 alpha, __mmask16 lanes,
                     __mmask16 sel) {
@@ -271,6 +273,7 @@ inline void block16(const T* s1, const T* s2, const float* acc, float* d, __m512
     else _mm512_storeu_ps(d, r);
 }
 
+// The lanes of `lanes` whose mask byte is set.
 template <bool Masked, bool Part> inline __mmask16 selected16(const uint8_t* m, __mmask16 lanes) {
     if constexpr (!Masked) return lanes;
     else {
