@@ -12,7 +12,7 @@
 namespace rvcv {
 namespace {
 
-const AccumKernels& kernels() { return pick(m7::kAccum, avx2::kAccum); }
+const AccumKernels& kernels() { return pick(m7::kAccum, avx2::kAccum, avx512::kAccum); }
 
 template <class T> struct Source;
 template <> struct Source<Rvp8u>  { static constexpr AccumType type = kAcc8u;  static constexpr int align = 0; };

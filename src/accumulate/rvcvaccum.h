@@ -36,6 +36,7 @@ struct AccumKernels {
 
 namespace m7 { extern const AccumKernels kAccum; }
 namespace avx2 { extern const AccumKernels kAccum; }
+namespace avx512 { extern const AccumKernels kAccum; }
 
 }  // namespace rvcv
 

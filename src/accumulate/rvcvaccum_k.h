@@ -1,8 +1,12 @@
 // Accumulation kernels, written once over source type, operation and mask,
-// compiled per instruction set. A row runs 16 and 8 pixels a step (AVX2) or
-// 4 (SSE), then groups of 4, all branch-free; only the last width % 4 pixels go one by one.
+// compiled per instruction set. A row runs 32 (8-bit sources), 16 and 8
+// pixels a step (AVX2) or 4 (SSE), then groups of 4; with AVX-512 the 8-bit
+// forms run 64-pixel blocks and 16-lane blocks with lane masks at both ends.
+// All of it is branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
+#include <algorithm>
+#include <cstdint>
 #include <type_traits>
 
 #include "rvcvaccum.h"
@@ -129,6 +133,50 @@ inline void group8(const T* s1, const T* s2, const uint8_t* m, const float* acc,
     finish8<Op, Masked>(x, Op == kAccProduct ? widen8(s2) : x, Masked ? maskedOut8(m) : x, acc, d, alpha, nt);
 }
 
+// Thirty-two pixels of an 8-bit source: one 32-byte load of each row, and
+// all four accumulator blocks read before any is written. Sums, squares and
+// products clear the samples, weighted averages the term (as in group16).
+template <class T, int Op, bool Masked>
+inline void group32(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m256 alpha, bool nt) {
+    constexpr bool clearTerm = Masked && Op == kAccWeighted;
+    const __m256i zero = _mm256_setzero_si256();
+    __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s1)), b = a, off = zero;
+    if (Op == kAccProduct) b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s2));
+    if (Masked) off = _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(m)), zero);
+    if (Masked && !clearTerm) {
+        a = _mm256_andnot_si256(off, a);
+        b = _mm256_andnot_si256(off, b);
+    }
+    __m256 x[4], y[4], k[4], v[4];
+    const __m128i alo = _mm256_castsi256_si128(a), ahi = _mm256_extracti128_si256(a, 1);
+    const __m128i blo = _mm256_castsi256_si128(b), bhi = _mm256_extracti128_si256(b, 1);
+    if constexpr (Op == kAccProduct && std::is_same<T, uint8_t>::value) {
+        productBytes(alo, blo, x[0], x[1]);
+        productBytes(ahi, bhi, x[2], x[3]);
+    } else {
+        widenBytes(alo, T(), x[0], x[1]);
+        widenBytes(ahi, T(), x[2], x[3]);
+        if (Op == kAccProduct) {
+            widenBytes(blo, T(), y[0], y[1]);
+            widenBytes(bhi, T(), y[2], y[3]);
+        }
+    }
+    if (clearTerm) {
+        const __m128i olo = _mm256_castsi256_si128(off), ohi = _mm256_extracti128_si256(off, 1);
+        const __m128i parts[4] = {olo, _mm_unpackhi_epi64(olo, olo), ohi, _mm_unpackhi_epi64(ohi, ohi)};
+        for (int i = 0; i < 4; ++i) k[i] = _mm256_castsi256_ps(_mm256_cvtepi8_epi32(parts[i]));
+    }
+    for (int i = 0; i < 4; ++i) v[i] = _mm256_loadu_ps(acc + 8 * i);
+    for (int i = 0; i < 4; ++i) {
+        // A u8 product arrives formed: it is added as it stands.
+        constexpr bool formed = Op == kAccProduct && std::is_same<T, uint8_t>::value;
+        __m256 t = formed ? x[i] : Term<Op>::of(x[i], Op == kAccProduct ? y[i] : x[i], v[i], alpha);
+        if (clearTerm) t = _mm256_andnot_ps(k[i], t);
+        v[i] = v[i] + t;
+    }
+    for (int i = 0; i < 4; ++i) store(d + 8 * i, v[i], nt);
+}
+
 // Sixteen pixels from one load of each 8-bit row.
 template <class T, int Op, bool Masked>
 inline void group16(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m256 alpha, bool nt) {
@@ -177,25 +225,142 @@ inline void group4(const T* s1, const T* s2, const uint8_t* m, const float* acc,
     store(d, a + t, nt);
 }
 
-// One row; NT: stores bypass the cache (the row is 16-byte aligned).
+#ifdef __AVX512F__
+// ---- Sixteen pixels (AVX-512) -------------------------------------------------
+// 64-byte accumulator accesses pay where the sources are 8-bit; with 16-bit
+// or float sources 32-byte accesses measured faster on the same machine, so
+// those forms keep the AVX2 row.
+template <class T> constexpr bool kWide512 = sizeof(T) == 1;
+
+// Exact conversions. The zero-masking forms with every lane set are the plain
+// instructions; the plain intrinsics' undefined pass-through operand trips
+// GCC's uninitialised-value warning. Part: only the lanes of k are read.
+constexpr __mmask16 kAll16 = 0xffff;
+inline __m512 toFloat(__m512i v) { return _mm512_maskz_cvtepi32_ps(kAll16, v); }
+template <bool Part> inline __m128i bytes16(const void* p, __mmask16 k) {
+    if constexpr (Part) return _mm_maskz_loadu_epi8(k, p);
+    else return _mm_loadu_si128(static_cast<const __m128i*>(p));
+}
+template <bool Part> inline __m512 samples16(const uint8_t* p, __mmask16 k) {
+    return toFloat(_mm512_maskz_cvtepu8_epi32(kAll16, bytes16<Part>(p, k)));
+}
+template <bool Part> inline __m512 samples16(const int8_t* p, __mmask16 k) {
+    return toFloat(_mm512_maskz_cvtepi8_epi32(kAll16, bytes16<Part>(p, k)));
+}
+template <bool Part> inline __m512 samples16(const float* p, __mmask16 k) {
+    if constexpr (Part) return _mm512_maskz_loadu_ps(k, p);
+    else return _mm512_loadu_ps(p);
+}
+
+// Sixteen pixels, or the lanes of `lanes` when Part; `sel` holds the lanes
+// whose mask byte is set. Masked-out samples are read as zero where that alone
+// makes the term +0 (sums, squares, products: both factors are cleared, so a
+// signed 0 * -5 cannot give -0); the weighted term is cleared after it is
+// formed. Either way the pixel becomes acc + 0.
+template <class T, int Op, bool Masked, bool Part, bool NT>
+inline void block16(const T* s1, const T* s2, const float* acc, float* d, __m512 alpha, __mmask16 lanes,
+                    __mmask16 sel) {
+    constexpr bool zeroSamples = Masked && Op != kAccWeighted;
+    const __mmask16 k = zeroSamples ? sel : lanes;
+    const __m512 x = samples16<Part || zeroSamples>(s1, k);
+    const __m512 y = Op == kAccProduct ? samples16<Part || zeroSamples>(s2, k) : x;
+    const __m512 a = samples16<Part>(acc, lanes);
+    __m512 t = Term<Op>::of(x, y, a, alpha);
+    if constexpr (Masked && Op == kAccWeighted) t = _mm512_maskz_mov_ps(sel, t);
+    const __m512 r = a + t;
+    if constexpr (Part) _mm512_mask_storeu_ps(d, lanes, r);
+    else if constexpr (NT) _mm512_stream_ps(d, r);
+    else _mm512_storeu_ps(d, r);
+}
+
+// The lanes of `lanes` whose mask byte is set.
+template <bool Masked, bool Part> inline __mmask16 selected16(const uint8_t* m, __mmask16 lanes) {
+    if constexpr (!Masked) return lanes;
+    else {
+        const __m128i mv = bytes16<Part>(m, lanes);
+        return _mm_test_epi8_mask(mv, mv) & lanes;
+    }
+}
+
+template <class T, int Op, bool Masked>
+inline void part16(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m512 alpha, int n) {
+    const __mmask16 lanes = static_cast<__mmask16>((1u << n) - 1u);
+    block16<T, Op, Masked, true, false>(s1, s2, acc, d, alpha, lanes, selected16<Masked, true>(m, lanes));
+}
+
+// Sixty-four pixels: one test of 64 mask bytes serves four blocks.
 template <class T, int Op, bool Masked, bool NT>
-void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha) {
-    const __m128 alpha4 = broadcast4(alpha);
+inline void block64(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, __m512 alpha) {
+    uint64_t sel = ~uint64_t{0};
+    if constexpr (Masked) {
+        const __m512i mv = _mm512_loadu_si512(m);
+        sel = _mm512_test_epi8_mask(mv, mv);
+    }
+    for (int i = 0; i < 4; ++i, sel >>= 16)
+        block16<T, Op, Masked, false, NT>(s1 + 16 * i, s2 + 16 * i, acc + 16 * i, d + 16 * i, alpha, kAll16,
+                                          static_cast<__mmask16>(sel));
+}
+
+// The branch-free part of a row, [0, n) with n a multiple of 4. A partial
+// block first brings the stores to a 64-byte boundary (so none straddles a
+// cache line, and bypassing stores are aligned), another ends the row.
+template <class T, int Op, bool Masked, bool NT>
+inline void wideRow(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int n, float alpha) {
+    const __m512 alpha16 = _mm512_set1_ps(alpha);
+    const uintptr_t addr = reinterpret_cast<uintptr_t>(d);
     int x = 0;
+    if ((addr & 3) == 0 && (addr & 63) != 0) {
+        x = std::min(n, static_cast<int>((64 - (addr & 63)) / 4));
+        part16<T, Op, Masked>(s1, s2, m, acc, d, alpha16, x);
+    }
+    for (; x + 64 <= n; x += 64)
+        block64<T, Op, Masked, NT>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha16);
+    for (; x + 16 <= n; x += 16)
+        block16<T, Op, Masked, false, NT>(s1 + x, s2 + x, acc + x, d + x, alpha16, kAll16,
+                                          selected16<Masked, false>(Masked ? m + x : m, kAll16));
+    if (x < n) part16<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha16, n - x);
+}
+#endif
+
 #ifdef __AVX2__
+// The groups of 16 and 8 at the start of a row; returns the first pixel left.
+template <class T, int Op, bool Masked, bool NT>
+inline int groups256(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha) {
     const __m256 alpha8 = broadcast8(alpha);
+    int x = 0;
     // A 16-byte aligned row starts with one group of 4 so that the wide
     // stores don't straddle cache lines; the groups stay the same.
     if ((reinterpret_cast<uintptr_t>(d) & 31) == 16 && w >= 4) {
-        group4<T, Op, Masked>(s1, s2, m, acc, d, alpha4, NT);
+        group4<T, Op, Masked>(s1, s2, m, acc, d, broadcast4(alpha), NT);
         x = 4;
     }
+    if constexpr (sizeof(T) == 1)
+        for (; x + 32 <= w; x += 32)
+            group32<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, NT);
     for (; x + 16 <= w; x += 16)
         group16<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, NT);
     if (x + 8 <= w) {
         group8<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha8, NT);
         x += 8;
     }
+    return x;
+}
+#endif
+
+// One row; NT: stores bypass the cache (the row is 16-byte aligned).
+template <class T, int Op, bool Masked, bool NT>
+void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha) {
+    const __m128 alpha4 = broadcast4(alpha);
+    int x = 0;
+#if defined(__AVX512F__)
+    if constexpr (kWide512<T>) {
+        x = w - w % 4;
+        wideRow<T, Op, Masked, NT>(s1, s2, m, acc, d, x, alpha);
+    } else {
+        x = groups256<T, Op, Masked, NT>(s1, s2, m, acc, d, w, alpha);
+    }
+#elif defined(__AVX2__)
+    x = groups256<T, Op, Masked, NT>(s1, s2, m, acc, d, w, alpha);
 #endif
     for (; x + 4 <= w; x += 4)
         group4<T, Op, Masked>(s1 + x, s2 + x, Masked ? m + x : m, acc + x, d + x, alpha4, NT);
@@ -214,6 +379,15 @@ void accumulate(const AccumArgs& g, int rows, int w) {
     const uint8_t* m = g.mask;
     const float* acc = g.acc;
     float* d = g.d;
+    // Rows without gaps between them and without single-sample pixels form one
+    // long row of the same branch-free groups: no per-row start and end work.
+    const int64_t bytes = static_cast<int64_t>(w) * static_cast<int64_t>(sizeof(T));
+    if (rows > 1 && w % 4 == 0 && static_cast<int64_t>(w) * rows <= INT32_MAX && g.st1 == bytes &&
+        (Op != kAccProduct || g.st2 == bytes) && (!Masked || g.sm == w) && g.sa == 4 * int64_t{w} &&
+        g.sd == 4 * int64_t{w}) {
+        w *= rows;
+        rows = 1;
+    }
     for (int y = 0; y < rows; ++y) {
         if (g.nt && aligned16(d)) row<T, Op, Masked, true>(s1, s2, m, acc, d, w, g.alpha);
         else row<T, Op, Masked, false>(s1, s2, m, acc, d, w, g.alpha);

@@ -144,15 +144,21 @@ void bandRegion(int height, int requested, Body&& body) {
 }
 
 // Threshold of the pixel-wise families (absolute difference, accumulation):
-// below 262144 pixels the call stays on the caller's thread.
+// below 262144 pixels the call stays on the caller's thread. So does a call
+// permitted one thread: a team of one would take the whole image as its band
+// anyway, and opening the region costs a system call, which on some virtual
+// machines also empties the TLB the kernel then refills page by page.
 constexpr int kPixelwiseParallelMin = 0x40000;
 
 template <class Body>
 void pixelwise(int width, int height, Body&& body) {
-    if (wmul(width, height) < kPixelwiseParallelMin)
+    if (wmul(width, height) < kPixelwiseParallelMin) {
         body(0, height);
-    else
-        bandRegion(height, ownGetNumThreads(), body);
+        return;
+    }
+    const int threads = ownGetNumThreads();
+    if (threads <= 1) body(0, height);
+    else bandRegion(height, threads, body);
 }
 
 // Reduction region. Each thread owns a slot set to the identity; a thread
