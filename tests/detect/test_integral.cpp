@@ -12,7 +12,8 @@ namespace {
 
 struct Case { int w, h, pad; };
 const Case kCases[] = {{1, 1, 0}, {1, 6, 3}, {2, 3, 0},  {7, 1, 5},  {8, 2, 0},   {9, 3, 4},    {15, 4, 0}, {16, 5, 8},
-                       {17, 9, 1}, {31, 2, 0}, {33, 7, 0}, {48, 3, 4}, {64, 3, 12}, {100, 37, 2}, {257, 13, 0}};
+                       {17, 9, 1}, {31, 2, 0}, {33, 7, 0}, {48, 3, 4}, {64, 3, 12}, {100, 37, 2}, {257, 13, 0},
+                       {131, 3, 0}};  // white: the largest block sums, held in 16-bit lanes before widening
 
 template <class T> void expectTable(const Image<T>& img, const ref::Table<T>& t) {
     ASSERT_TRUE(img.guardsIntact());
@@ -44,7 +45,8 @@ TEST_P(IntegralAcross, MatchesReference) {
     for (const Case& c : kCases) {
         // The canaries past the image are the s(W) of the last row.
         Image<Rvp8u> src(c.w, c.h, 1, c.pad);
-        src.fill(Random<Rvp8u>(c.w * 31 + c.h));
+        if (c.w == 131) src.fill([] { return Rvp8u(255); });
+        else src.fill(Random<Rvp8u>(c.w * 31 + c.h));
         const ref::Src s{src.ptr(), src.step(), c.w, c.h};
         const RvpiSize roi{c.w, c.h};
         std::mt19937 rng(c.w + c.h);
@@ -89,20 +91,6 @@ TEST_P(IntegralAcross, MatchesReference) {
             }
         }
     }
-}
-
-// White rows give the largest block sums, which the vector paths hold in
-// 16-bit lanes before widening.
-TEST_P(IntegralAcross, WhiteRows) {
-    Image<Rvp8u> src(131, 3);
-    src.fill([] { return Rvp8u(255); });
-    const ref::Src s{src.ptr(), src.step(), 131, 3};
-    auto d = table<Rvp32s>({131, 3, 0}, 1);
-    auto f = table<Rvp32f>({131, 3, 0}, 1);
-    ASSERT_EQ(rvpiIntegral_8u32s_C1R(src.ptr(), src.step(), d.ptr(), d.step(), {131, 3}, -5), 0);
-    expectTable(d, ref::upright(s, -5, false));
-    ASSERT_EQ(rvpiIntegral_8u32f_C1R(src.ptr(), src.step(), f.ptr(), f.step(), {131, 3}, 0.5f), 0);
-    expectTable(f, ref::upright(s, 0.5f, false));
 }
 
 INSTANTIATE_TEST_SUITE_P(Isa, IntegralAcross, testing::ValuesIn(isaLevels()),

@@ -4,7 +4,6 @@
 // image, odd widths and padded steps; the shortened masks of the small
 // tables; buffer sizes and the validation order.
 #include <cfloat>
-#include <functional>
 
 #include "../../src/morphology/rvcvminmax.h"
 #include "morph_support.h"
@@ -164,27 +163,21 @@ TEST(MinMaxFilter, ValidationOrder) {
     const Rvp32f* ps = s.ptr();
     Rvp32f* pd = d.ptr();
     Rvp8u* pb = buf.data();
-    auto f = [&](const Rvp32f* a, int sa, Rvp32f* b, int sb, RvpiSize roi, RvpiSize m, RvpiPoint an, Rvp8u* bb) {
-        return rvpiFilterMinBorderReplicate_32f_C1R(a, sa, b, sb, roi, m, an, bb);
+    auto* const f = rvpiFilterMinBorderReplicate_32f_C1R;
+    const struct { const char* what; RvpStatus got, want; } rows[] = {
+        {"null src", f(nullptr, 32, pd, 32, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsNullPtrErr},
+        {"null dst", f(ps, 32, nullptr, 32, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsNullPtrErr},
+        {"null buffer", f(ps, 32, pd, 32, {0, 4}, {3, 3}, {1, 1}, nullptr), rvpStsNullPtrErr},
+        {"size", f(ps, 32, pd, 32, {0, 4}, {0, 3}, {1, 1}, pb), rvpStsSizeErr},
+        {"mask before anchor", f(ps, 2, pd, 32, {8, 4}, {3, 0}, {9, 1}, pb), rvpStsMaskSizeErr},
+        {"anchor x", f(ps, 2, pd, 32, {8, 4}, {3, 3}, {3, 1}, pb), rvpStsAnchorErr},
+        {"src step", f(ps, 28, pd, 30, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsStepErr},
+        {"src odd before dst short", f(ps, 34, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsNotEvenStepErr},
+        {"dst step", f(ps, 36, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsStepErr},
+        {"dst odd", f(ps, 32, pd, 34, {8, 4}, {3, 3}, {1, 1}, pb), rvpStsNotEvenStepErr},
     };
-    struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };
-    const Row rows[] = {
-        {"null src", [&] { return f(nullptr, 32, pd, 32, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNullPtrErr},
-        {"null dst", [&] { return f(ps, 32, nullptr, 32, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNullPtrErr},
-        {"null buffer", [&] { return f(ps, 32, pd, 32, {0, 4}, {3, 3}, {1, 1}, nullptr); }, rvpStsNullPtrErr},
-        {"size", [&] { return f(ps, 32, pd, 32, {0, 4}, {0, 3}, {1, 1}, pb); }, rvpStsSizeErr},
-        {"mask before anchor", [&] { return f(ps, 2, pd, 32, {8, 4}, {3, 0}, {9, 1}, pb); }, rvpStsMaskSizeErr},
-        {"anchor x", [&] { return f(ps, 2, pd, 32, {8, 4}, {3, 3}, {3, 1}, pb); }, rvpStsAnchorErr},
-        {"src step", [&] { return f(ps, 28, pd, 30, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsStepErr},
-        {"src odd before dst short", [&] { return f(ps, 34, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb); },
-         rvpStsNotEvenStepErr},
-        {"dst step", [&] { return f(ps, 36, pd, 28, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsStepErr},
-        {"dst odd", [&] { return f(ps, 32, pd, 34, {8, 4}, {3, 3}, {1, 1}, pb); }, rvpStsNotEvenStepErr},
-    };
-    for (const Row& r : rows) {
-        EXPECT_EQ(r.call(), r.want) << r.what;
-        EXPECT_EQ(d.raw(), before) << r.what;
-    }
+    for (const auto& r : rows) EXPECT_EQ(r.got, r.want) << r.what;
+    EXPECT_EQ(d.raw(), before) << "a refused call wrote the destination";
     Image<Rvp8u> s8(5, 2, 1, 1), d8(5, 2, 1, 1);
     EXPECT_EQ(rvpiFilterMaxBorderReplicate_8u_C1R(s8.ptr(), 5, d8.ptr(), 4, {5, 2}, {1, 1}, {0, 0}, pb), rvpStsStepErr);
     EXPECT_EQ(rvpiFilterMaxBorderReplicate_8u_C1R(s8.ptr(), 5, d8.ptr(), 5, {5, 2}, {1, 1}, {0, 0}, pb), rvpStsNoErr);

@@ -4,6 +4,7 @@
 // (from 11x11 up), the exact-size buffer, and the validation order.
 #include <vector>
 
+#include "morph_support.h"
 #include "reference/ref_reconstruct.h"
 #include "support/rvtest.h"
 
@@ -46,12 +47,7 @@ template <class T> void makeInputs(Image<T>& mask, Image<T>& marker, Kind kind, 
         }
 }
 
-template <class T> std::vector<T> packed(const Image<T>& im) {
-    std::vector<T> v(static_cast<size_t>(im.width()) * im.height());
-    const auto b = im.bytes();
-    std::memcpy(v.data(), b.data(), b.size());
-    return v;
-}
+template <class T> std::vector<T> packed(const Image<T>& im) { return morphtest::planeOf(im, 1).v; }
 
 // Runs one reconstruction with a buffer of exactly the queried size inside
 // canaries, at an odd address.
@@ -107,16 +103,7 @@ TYPED_TEST(Reconstruct, ValidationOrder) {
     makeInputs(mask, marker, Kind::Random, true, 7);
     std::vector<Rvp8u> buf(4096);
     const int ms = mask.step(), ks = marker.step(), row = 8 * B;
-    struct Case {
-        const T* src;
-        int srcStep;
-        T* dst;
-        int dstStep;
-        RvpiSize roi;
-        Rvp8u* buffer;
-        int norm;
-        RvpStatus want;
-    };
+    struct Case { const T* src; int srcStep; T* dst; int dstStep; RvpiSize roi; Rvp8u* buffer; int norm; RvpStatus want; };
     T* d = marker.ptr();
     const T* s = mask.ptr();
     Rvp8u* b = buf.data();
@@ -161,20 +148,13 @@ TYPED_TEST(Reconstruct, BufferSize) {
 // Hand-checkable: a seed fills its basin but not across a wall of zeros, and
 // it passes a corner contact only with the 8-neighbourhood.
 TEST(ReconstructSmall, NormDecidesCornerContact) {
-    const Rvp8u maskData[4][4] = {{9, 9, 0, 5}, {9, 9, 0, 5}, {0, 0, 7, 0}, {4, 0, 0, 9}};
+    const Rvp8u maskData[16] = {9, 9, 0, 5, 9, 9, 0, 5, 0, 0, 7, 0, 4, 0, 0, 9};
     for (int norm = 0; norm < 2; ++norm) {
-        Image<Rvp8u> mask(4, 4), marker(4, 4);
-        for (int y = 0; y < 4; ++y)
-            for (int x = 0; x < 4; ++x) mask.at(x, y) = maskData[y][x], marker.at(x, y) = 0;
-        marker.at(0, 0) = 8;
-        std::vector<Rvp8u> buf(1024);
-        ASSERT_EQ(rvpiMorphReconstructDilate_8u_C1IR(mask.ptr(), mask.step(), marker.ptr(), marker.step(), {4, 4},
-                                                     buf.data(), norm),
-                  rvpStsNoErr);
+        std::vector<Rvp8u> mask(maskData, maskData + 16), marker(16, 0), buf(1024);
+        marker[0] = 8;
+        ASSERT_EQ(rvpiMorphReconstructDilate_8u_C1IR(mask.data(), 4, marker.data(), 4, {4, 4}, buf.data(), norm), rvpStsNoErr);
         const Rvp8u c = norm == 0 ? 7 : 0, e = norm == 0 ? 5 : 0;
-        const Rvp8u want[4][4] = {{8, 8, 0, e}, {8, 8, 0, e}, {0, 0, c, 0}, {0, 0, 0, c}};
-        for (int y = 0; y < 4; ++y)
-            for (int x = 0; x < 4; ++x) EXPECT_EQ(marker.at(x, y), want[y][x]) << x << "," << y << " norm " << norm;
+        EXPECT_EQ(marker, (std::vector<Rvp8u>{8, 8, 0, e, 8, 8, 0, e, 0, 0, c, 0, 0, 0, 0, c})) << "norm " << norm;
     }
 }
 

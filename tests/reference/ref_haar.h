@@ -48,13 +48,9 @@ template <class V> std::vector<Record<V>> records(const HaarInput<V>& in, bool t
         }
         out.push_back(r);
     };
-    if (tilted) {
-        for (size_t i = 0; i < in.num.size(); ++i) take(i);
-        return out;
-    }
-    for (size_t i = 0; i < in.num.size(); ++i) if (in.num[i] == 2) take(i);
-    for (size_t i = 0; i < in.num.size(); ++i) if (in.num[i] == 3) take(i);
-    for (size_t i = 0; i < in.num.size(); ++i) if (in.num[i] != 2 && in.num[i] != 3) take(i);
+    for (int group : {2, 3, 0})  // 0: the rest
+        for (size_t i = 0; i < in.num.size(); ++i)
+            if (tilted ? group == 0 : group ? in.num[i] == group : in.num[i] != 2 && in.num[i] != 3) take(i);
     return out;
 }
 
