@@ -93,17 +93,12 @@ template <class T> struct View {
 
 // Corner values c0..c3: BR, TR, BL, TL upright, A, B, C, D tilted, for output (i, j).
 template <class T> void corners(const View<T>& t, int i, int j, int x, int y, int w, int h, bool tilted, T c[4]) {
-    if (!tilted) {
-        c[0] = t(i + x + w, j + y + h);
-        c[1] = t(i + x + w, j + y);
-        c[2] = t(i + x, j + y + h);
-        c[3] = t(i + x, j + y);
-    } else {
-        c[0] = t(i + x - y + w - h, j + x + y + w + h);
-        c[1] = t(i + x - y - h, j + x + y + h);
-        c[2] = t(i + x - y + w, j + x + y + w);
-        c[3] = t(i + x - y, j + x + y);
-    }
+    const int bx = i + (tilted ? x - y : x), by = j + (tilted ? x + y : y);  // TL or D
+    const int wx = w, wy = tilted ? w : 0, hx = tilted ? -h : 0, hy = h;       // the width and height edges
+    c[0] = t(bx + wx + hx, by + wy + hy);
+    c[1] = tilted ? t(bx + hx, by + hy) : t(bx + wx, by);
+    c[2] = tilted ? t(bx + wx, by + wy) : t(bx, by + hy);
+    c[3] = t(bx, by);
 }
 
 inline int32_t cvtt(double v) { return (v > -2147483649.0 && v < 2147483648.0) ? static_cast<int32_t>(v) : INT32_MIN; }
