@@ -174,35 +174,6 @@ TEST_P(PipelineThreads, SameResultAtEveryThreadCount) {
 
 INSTANTIATE_TEST_SUITE_P(Threads, PipelineThreads, testing::ValuesIn(threadCounts()));
 
-// ---- Behaviour worth seeing spelled out --------------------------------------
-
-// 16s, 3 taps 0 1 0 / 2 on 7 7 7 5 5 5 (replicated): the middle rounds half
-// to even, the first and last outputs truncate; 8u16s rounds all alike.
-TEST(RowPipeline, EndsTruncateWhereTheMiddleRoundsToEven) {
-    const Rvp16s k[3] = {0, 1, 0}, src[6] = {7, 7, 7, 5, 5, 5}, want[6] = {3, 4, 4, 2, 2, 2}, want8[6] = {4, 4, 4, 2, 2, 2};
-    const Rvp8u s8[6] = {7, 7, 7, 5, 5, 5};
-    Rvp16s out[6];
-    Rvp16s* pp[1] = {out};
-    auto buf = buffer(rvpiFilterRowBorderPipelineGetBufferSize_16s_C1R, {6, 1}, 3);
-    ASSERT_EQ(rvpiFilterRowBorderPipeline_16s_C1R(src, 12, pp, {6, 1}, k, 3, 1, 1, 0, 2, buf.data()), rvpStsNoErr);
-    EXPECT_TRUE(sameBits(out, want, sizeof out));
-    ASSERT_EQ(rvpiFilterRowBorderPipeline_8u16s_C1R(s8, 6, pp, {6, 1}, k, 3, 1, 1, 0, 2, buf.data()), rvpStsNoErr);
-    EXPECT_TRUE(sameBits(out, want8, sizeof out));
-}
-
-TEST(RowPipeline, LowWrapsWhereScaledFormsSaturate) {
-    const Rvp16s k[1] = {4}, src[2] = {10000, -10000};
-    Rvp16s out[2];
-    Rvp16s* pp[1] = {out};
-    auto buf = buffer(rvpiFilterRowBorderPipelineGetBufferSize_16s_C1R, {2, 1}, 1);
-    ASSERT_EQ(rvpiFilterRowBorderPipeline_16s_C1R(src, 4, pp, {2, 1}, k, 1, 0, 0, 0, 1, buf.data()), rvpStsNoErr);
-    EXPECT_EQ(out[0], 32767);
-    EXPECT_EQ(out[1], -32768);
-    ASSERT_EQ(rvpiFilterRowBorderPipeline_Low_16s_C1R(src, 4, pp, {2, 1}, k, 1, 0, 0, 0, 1, buf.data()), rvpStsNoErr);
-    EXPECT_EQ(out[0], static_cast<Rvp16s>(40000));
-    EXPECT_EQ(out[1], static_cast<Rvp16s>(-40000));
-}
-
 // A null ppDst entry stops the row stage after the rows before it; a null
 // ppSrc entry fails before any row is written.
 TEST(Pipelines, NullRowEntries) {
