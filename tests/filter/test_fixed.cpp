@@ -27,66 +27,53 @@ template <class T> struct Framed {
     int w, h;
 };
 
-// 8-bit sources are drawn from the full range; float ones from +-1000.
+// Every form runs as (src, step, dst, step, size, mask 11 * n, border,
+// value, buffer); the Scharr and Gaussian forms are adapted to that shape.
 template <class S, class D> struct FixedForm {
     using Fn = RvpStatus (*)(const S*, int, D*, int, RvpiSize, int, int, S, Rvp8u*);
     using Query = RvpStatus (*)(RvpiSize, int, int*);
     ref::Fixed kind; Fn fn; Query query;
 };
-template <class S, class D> struct ScharrForm {
-    using Fn = RvpStatus (*)(const S*, int, D*, int, RvpiSize, int, S, Rvp8u*);
-    using Query = RvpStatus (*)(RvpiSize, int*);
-    ref::Fixed kind; Fn fn; Query query;
-};
 
-#define FORMS(T, S, D)                                                                                              \
-    {ref::Fixed::SobelHoriz, rvpiFilterSobelHorizBorder_##T, rvpiFilterSobelHorizGetBufferSize_##T},                \
-    {ref::Fixed::SobelVert, rvpiFilterSobelVertBorder_##T, rvpiFilterSobelVertGetBufferSize_##T},                   \
-    {ref::Fixed::SobelNegVert, rvpiFilterSobelNegVertBorder_##T, rvpiFilterSobelNegVertGetBufferSize_##T},          \
-    {ref::Fixed::SobelHorizSecond, rvpiFilterSobelHorizSecondBorder_##T, rvpiFilterSobelHorizSecondGetBufferSize_##T}, \
-    {ref::Fixed::SobelVertSecond, rvpiFilterSobelVertSecondBorder_##T, rvpiFilterSobelVertSecondGetBufferSize_##T}, \
-    {ref::Fixed::SobelCross, rvpiFilterSobelCrossBorder_##T, rvpiFilterSobelCrossGetBufferSize_##T},                \
-    {ref::Fixed::Laplacian, rvpiFilterLaplacianBorder_##T, rvpiFilterLaplacianGetBufferSize_##T}
+#define FORM(name, T) {ref::Fixed::name, rvpiFilter##name##Border_##T, rvpiFilter##name##GetBufferSize_##T}
+#define SCHARR(name, T, S, D)                                                                              \
+    {ref::Fixed::name,                                                                                     \
+     [](const S* s, int ss, D* d, int ds, RvpiSize r, int, int bt, S bv, Rvp8u* b) {                       \
+         return rvpiFilter##name##Border_##T(s, ss, d, ds, r, bt, bv, b);                                  \
+     },                                                                                                    \
+     [](RvpiSize r, int, int* b) { return rvpiFilter##name##GetBufferSize_##T(r, b); }}
+#define FORMS(T, S, D)                                                                                     \
+    FORM(SobelHoriz, T), FORM(SobelVert, T), FORM(SobelNegVert, T), FORM(SobelHorizSecond, T),             \
+    FORM(SobelVertSecond, T), FORM(SobelCross, T), FORM(Laplacian, T), SCHARR(ScharrHoriz, T, S, D),       \
+    SCHARR(ScharrVert, T, S, D)
+
+float sigmaFor(int n) { return 0.6f + static_cast<float>(n) / 4; }
 
 const FixedForm<Rvp8u, Rvp16s> k8u16s[] = {FORMS(8u16s_C1R, Rvp8u, Rvp16s)};
 const FixedForm<Rvp8u, Rvp8s> k8u8s[] = {FORMS(8u8s_C1R, Rvp8u, Rvp8s)};
-const FixedForm<Rvp32f, Rvp32f> k32f[] = {
-    FORMS(32f_C1R, Rvp32f, Rvp32f),
-    {ref::Fixed::Lowpass, rvpiFilterLowpassBorder_32f_C1R, rvpiFilterLowpassGetBufferSize_32f_C1R}};
-const FixedForm<Rvp8u, Rvp8u> k8u[] = {
-    {ref::Fixed::Lowpass, rvpiFilterLowpassBorder_8u_C1R, rvpiFilterLowpassGetBufferSize_8u_C1R}};
-const ScharrForm<Rvp8u, Rvp16s> kScharr16[] = {
-    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_8u16s_C1R, rvpiFilterScharrHorizGetBufferSize_8u16s_C1R},
-    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_8u16s_C1R, rvpiFilterScharrVertGetBufferSize_8u16s_C1R}};
-const ScharrForm<Rvp8u, Rvp8s> kScharr8[] = {
-    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_8u8s_C1R, rvpiFilterScharrHorizGetBufferSize_8u8s_C1R},
-    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_8u8s_C1R, rvpiFilterScharrVertGetBufferSize_8u8s_C1R}};
-const ScharrForm<Rvp32f, Rvp32f> kScharr32[] = {
-    {ref::Fixed::ScharrHoriz, rvpiFilterScharrHorizBorder_32f_C1R, rvpiFilterScharrHorizGetBufferSize_32f_C1R},
-    {ref::Fixed::ScharrVert, rvpiFilterScharrVertBorder_32f_C1R, rvpiFilterScharrVertGetBufferSize_32f_C1R}};
+const FixedForm<Rvp32f, Rvp32f> k32f[] = {FORMS(32f_C1R, Rvp32f, Rvp32f), FORM(Lowpass, 32f_C1R)};
+const FixedForm<Rvp8u, Rvp8u> kLowpass8u = FORM(Lowpass, 8u_C1R);
+const FixedForm<Rvp32f, Rvp32f> kGauss = {
+    ref::Fixed::Gauss,
+    [](const Rvp32f* s, int ss, Rvp32f* d, int ds, RvpiSize r, int m, int bt, Rvp32f bv, Rvp8u* b) {
+        return rvpiFilterGaussBorder_32f_C1R(s, ss, d, ds, r, m / 11, sigmaFor(m / 11), bt, bv, b);
+    },
+    [](RvpiSize r, int m, int* b) { return rvpiFilterGaussGetBufferSize_32f_C1R(r, m / 11, b); }};
 
 const std::vector<int> kBorders = {0, 1, 2, 3, 4, 6, 0x10 | 1, 0x20 | 3, 0x40 | 2, 0x80 | 4, 0x30 | 0, 0xC0 | 3, 0xF0 | 1};
 
 struct Size { int w, h; };
 const std::vector<Size> kSizes = {{1, 1}, {1, 7}, {9, 1}, {2, 2}, {5, 4}, {15, 9}, {16, 17}, {17, 3}, {33, 41}};
 
-// The Scharr forms are 3x3 only and take no mask argument.
-template <class S, class D> std::vector<int> masks(const FixedForm<S, D>&) { return {3, 5}; }
-template <class S, class D> std::vector<int> masks(const ScharrForm<S, D>&) { return {3}; }
-template <class S, class D> RvpStatus query(const FixedForm<S, D>& f, RvpiSize r, int n, int* b) { return f.query(r, 11 * n, b); }
-template <class S, class D> RvpStatus query(const ScharrForm<S, D>& f, RvpiSize r, int, int* b) { return f.query(r, b); }
-template <class S, class D>
-RvpStatus run(const FixedForm<S, D>& f, const S* s, int ss, D* d, int ds, RvpiSize r, int n, int bt, S bv, Rvp8u* b) {
-    return f.fn(s, ss, d, ds, r, 11 * n, bt, bv, b);
-}
-template <class S, class D>
-RvpStatus run(const ScharrForm<S, D>& f, const S* s, int ss, D* d, int ds, RvpiSize r, int, int bt, S bv, Rvp8u* b) {
-    return f.fn(s, ss, d, ds, r, bt, bv, b);
+std::vector<int> masks(ref::Fixed f) {
+    if (f == ref::Fixed::Gauss) return {3, 5, 7, 11};
+    if (f == ref::Fixed::ScharrHoriz || f == ref::Fixed::ScharrVert) return {3};
+    return {3, 5};
 }
 
-template <template <class, class> class Form, class S, class D>
-void sweep(const Form<S, D>& f, uint32_t seed, const std::vector<Size>& sizes, const std::vector<int>& borders = kBorders) {
-    for (int n : masks(f))
+template <class S, class D>
+void sweep(const FixedForm<S, D>& f, uint32_t seed, const std::vector<Size>& sizes, const std::vector<int>& borders = kBorders) {
+    for (int n : masks(f.kind))
         for (const Size sz : sizes)
             for (int bt : borders) {
                 SCOPED_TRACE(testing::Message() << "filter " << static_cast<int>(f.kind) << " " << sz.w << "x" << sz.h
@@ -96,13 +83,13 @@ void sweep(const Form<S, D>& f, uint32_t seed, const std::vector<Size>& sizes, c
                 const S bv = std::is_floating_point<S>::value ? static_cast<S>(static_cast<int>(rng() % 200) - 100)
                                                               : static_cast<S>(rng());
                 int bytes = 0;
-                ASSERT_EQ(query(f, {sz.w, sz.h}, n, &bytes), rvpStsNoErr);
+                ASSERT_EQ(f.query({sz.w, sz.h}, 11 * n, &bytes), rvpStsNoErr);
                 std::vector<Rvp8u> buf(bytes);
                 Image<D> dst(sz.w, sz.h, 1, 8);
-                ASSERT_EQ(run(f, src.region(), src.plane.step(), dst.ptr(), dst.step(), {sz.w, sz.h}, n, bt, bv, buf.data()),
+                ASSERT_EQ(f.fn(src.region(), src.plane.step(), dst.ptr(), dst.step(), {sz.w, sz.h}, 11 * n, bt, bv, buf.data()),
                           rvpStsNoErr);
                 ASSERT_TRUE(dst.guardsIntact());
-                const auto want = ref::fixedFilter<S, D>(f.kind, src.view(), n, (bt & 0xF) == 6 ? 0xF0 : bt, bv);
+                const auto want = ref::fixedFilter<S, D>(f.kind, src.view(), n, (bt & 0xF) == 6 ? 0xF0 : bt, bv, sigmaFor(n));
                 for (int y = 0; y < sz.h; ++y)
                     ASSERT_TRUE(sameBits(&want[static_cast<size_t>(y) * sz.w], dst.row(y), sizeof(D) * sz.w)) << "row " << y;
             }
@@ -118,10 +105,8 @@ TEST(FixedFilters, MatchReference) {
         sweepAll(k8u16s, 1);
         sweepAll(k8u8s, 2);
         sweepAll(k32f, 3);
-        sweepAll(k8u, 4);
-        sweepAll(kScharr16, 5);
-        sweepAll(kScharr8, 6);
-        sweepAll(kScharr32, 7);
+        sweep(kLowpass8u, 4, kSizes);
+        sweep(kGauss, 5, kSizes, {0, 1, 2, 3, 4, 0x10 | 2, 0x20 | 0, 0x30 | 3});  // no side flags
     }
 }
 
@@ -136,27 +121,11 @@ TEST_P(FixedThreads, SameResultAtEveryThreadCount) {
     sweep(k8u16s[6], 45, big, {1, 0x40 | 3});
     sweep(k8u8s[6], 50, big);  // the 8u8s 5x5 Laplacian's ring-dependent pass
     sweep(k32f[0], 60, big);
-    sweep(k8u[0], 70, big);
-    sweep(kScharr16[1], 80, big);
+    sweep(kLowpass8u, 70, big);
+    sweep(k8u16s[8], 80, big);
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, FixedThreads, testing::ValuesIn(threadCounts()));
-
-// ---- Behaviour worth seeing spelled out ---------------------------------------
-
-TEST(FixedFilters, LowpassFixedPointDivision) {
-    Image<Rvp8u> src(7, 6), dst(7, 6);
-    int bytes = 0;
-    ASSERT_EQ(rvpiFilterLowpassGetBufferSize_8u_C1R({7, 6}, 55, &bytes), rvpStsNoErr);
-    std::vector<Rvp8u> buf(bytes);
-    src.fill([] { return Rvp8u(255); });
-    ASSERT_EQ(rvpiFilterLowpassBorder_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {7, 6}, 33, 1, 0, buf.data()), rvpStsNoErr);
-    EXPECT_EQ(dst.at(3, 3), 255);  // (2295 + 5) * 7280 >> 16
-    src.fill([] { return Rvp8u(100); });
-    ASSERT_EQ(rvpiFilterLowpassBorder_8u_C1R(src.ptr(), src.step(), dst.ptr(), dst.step(), {7, 6}, 55, 1, 0, buf.data()), rvpStsNoErr);
-    for (int y = 0; y < 6; ++y)
-        for (int x = 0; x < 7; ++x) EXPECT_EQ(dst.at(x, y), 99);  // 2500 * 2621 >> 16: one level low
-}
 
 // One thread's part for width 20 (w16 32), height 10, 3x3, at 2 threads,
 // plus the row (8u16s) and column (16s) pipeline sizes; SobelHoriz 8u16s
@@ -218,72 +187,6 @@ TEST(FixedFilters, ValidationOrder) {
     }
     int bytes = 0;
     EXPECT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({8, 4}, 4, &bytes), rvpStsBadArgErr);
-}
-
-// ---- Gaussian ----------------------------------------------------------------
-
-std::vector<float> gaussTaps(int k, float sigma) {
-    std::vector<float> t(k);
-    float sum = 0;
-    for (int i = 0; i < k; ++i) {
-        const float d = static_cast<float>(i - k / 2);
-        t[i] = std::exp(-(d * d) / (2.0f * sigma * sigma));
-        sum += t[i];
-    }
-    for (auto& v : t) v /= sum;
-    return t;
-}
-
-// Rows filtered by the row-stage rule, rows of the border value above and
-// below for a constant border, columns in tap order.
-std::vector<float> gaussRef(const ref::Plane<float>& img, int k, float sigma, int bt, float bv) {
-    const auto t = gaussTaps(k, sigma);
-    const std::vector<double> kern(t.begin(), t.end());
-    const int w = img.w, h = img.h, r = k / 2;
-    std::vector<std::vector<float>> rows;
-    for (int p = -r; p < h + r; ++p) {
-        const bool mem = (p >= 0 && p < h) || (p < 0 && (bt & 0x10)) || (p >= h && (bt & 0x20));
-        const int y = mem ? p : ref::reflect(p, h, bt & 0xF);
-        if (y < 0 && !mem) {
-            rows.emplace_back(w, bv);
-            continue;
-        }
-        std::vector<float> src(w);
-        for (int x = 0; x < w; ++x) src[x] = img.at(x, y);
-        rows.push_back(ref::pipelineRow<float, float>(ref::RowKind::F32, src, w, 1, kern, r, bt & 0xF, bv, 1));
-    }
-    std::vector<float> out(static_cast<size_t>(w) * h);
-    for (int y = 0; y < h; ++y) {
-        std::vector<const float*> win;
-        for (int i = 0; i < k; ++i) win.push_back(rows[y + i].data());
-        const auto o = ref::pipelineColumn<float, float>(ref::RowKind::F32, win, w, kern, 1);
-        std::copy(o.begin(), o.end(), out.begin() + static_cast<long>(y) * w);
-    }
-    return out;
-}
-
-TEST(Gauss, MatchesRowAndColumnFiltering) {
-    uint32_t seed = 900;
-    const Size sizes[] = {{1, 1}, {3, 8}, {20, 2}, {17, 13}, {40, 30}};
-    for (rvcv::Isa isa : isaLevels())
-    for (const Size sz : sizes)
-        for (int k : {3, 5, 7, 11})
-            for (int bt : {0, 1, 2, 3, 4, 0x10 | 2, 0x20 | 0, 0x30 | 3}) {
-                SCOPED_TRACE(testing::Message() << sz.w << "x" << sz.h << " k" << k << " border " << bt);
-                ScopedIsa scoped(isa);
-                Framed<float> src(sz.w, sz.h, seed++);
-                Image<float> dst(sz.w, sz.h, 1, 8);
-                int bytes = 0;
-                ASSERT_EQ(rvpiFilterGaussGetBufferSize_32f_C1R({sz.w, sz.h}, k, &bytes), rvpStsNoErr);
-                std::vector<Rvp8u> buf(bytes);
-                const float sigma = 0.6f + static_cast<float>(k) / 4;
-                ASSERT_EQ(rvpiFilterGaussBorder_32f_C1R(src.region(), src.plane.step(), dst.ptr(), dst.step(),
-                                                        {sz.w, sz.h}, k, sigma, bt, 3.5f, buf.data()), rvpStsNoErr);
-                ASSERT_TRUE(dst.guardsIntact());
-                const auto want = gaussRef(src.view(), k, sigma, bt, 3.5f);
-                for (int y = 0; y < sz.h; ++y)
-                    ASSERT_TRUE(sameBits(&want[static_cast<size_t>(y) * sz.w], dst.row(y), 4 * sz.w)) << "row " << y;
-            }
 }
 
 // Sigma 0 takes the size's default width rather than giving NaN.

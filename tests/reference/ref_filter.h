@@ -175,27 +175,31 @@ std::vector<D> pipelineColumn(RowKind kind, const std::vector<const S*>& rows, i
 // ---- Fixed-kernel filters -------------------------------------------------------
 
 enum class Fixed { SobelHoriz, SobelVert, SobelNegVert, SobelHorizSecond, SobelVertSecond, SobelCross,
-                   ScharrHoriz, ScharrVert, Laplacian, Lowpass };
+                   ScharrHoriz, ScharrVert, Laplacian, Lowpass, Gauss };
 
 struct Sep { std::vector<int> row, col; };
 
-inline Sep separable(Fixed f, int n, bool second = false) {
-    const std::vector<int> dx3{-1, 0, 1}, dx5{-1, -2, 0, 2, 1}, neg3{1, 0, -1}, neg5{1, 2, 0, -2, -1};
-    const std::vector<int> d2x3{1, -2, 1}, d2x5{1, 0, -2, 0, 1}, sob3{1, 2, 1}, sob5{1, 4, 6, 4, 1};
-    const bool t = n == 3;
-    switch (f) {
-    case Fixed::SobelHoriz: return {t ? sob3 : sob5, t ? dx3 : dx5};
-    case Fixed::SobelVert: return {t ? neg3 : neg5, t ? sob3 : sob5};
-    case Fixed::SobelNegVert: return {t ? neg3 : neg5, t ? std::vector<int>{-1, -2, -1} : std::vector<int>{-1, -4, -6, -4, -1}};
-    case Fixed::SobelHorizSecond: return {t ? sob3 : sob5, t ? d2x3 : d2x5};
-    case Fixed::SobelVertSecond: return {t ? d2x3 : d2x5, t ? sob3 : sob5};
-    case Fixed::SobelCross: return {t ? neg3 : neg5, t ? dx3 : dx5};
-    case Fixed::ScharrHoriz: return {{3, 10, 3}, dx3};
-    case Fixed::ScharrVert: return {dx3, {3, 10, 3}};
-    case Fixed::Laplacian: return second ? Sep{d2x5, sob5} : Sep{sob5, d2x5};  // 5x5 passes
-    case Fixed::Lowpass: return {std::vector<int>(n, 1), std::vector<int>(n, 1)};
-    }
-    return {};
+// Row and column taps; the 5x5 Laplacian's first pass (its second is the
+// vertical second derivative).
+inline Sep separable(Fixed f, int n) {
+    enum { Bin, Dif, NegDif, Dif2, NegBin, Scharr };
+    static const std::vector<int> taps[2][6] = {
+        {{1, 2, 1}, {-1, 0, 1}, {1, 0, -1}, {1, -2, 1}, {-1, -2, -1}, {3, 10, 3}},
+        {{1, 4, 6, 4, 1}, {-1, -2, 0, 2, 1}, {1, 2, 0, -2, -1}, {1, 0, -2, 0, 1}, {-1, -4, -6, -4, -1}, {}}};
+    static const int pairs[][2] = {{Bin, Dif},   {NegDif, Bin}, {NegDif, NegBin}, {Bin, Dif2},  {Dif2, Bin},
+                                   {NegDif, Dif}, {Scharr, Dif}, {Dif, Scharr},    {Bin, Dif2}};
+    if (f == Fixed::Lowpass) return {std::vector<int>(n, 1), std::vector<int>(n, 1)};
+    const auto& t = taps[n == 5];
+    return {t[pairs[static_cast<int>(f)][0]], t[pairs[static_cast<int>(f)][1]]};
+}
+
+// Source row for vertical position p: memory inside the region and beyond
+// sides flagged 0x10 (top) / 0x20 (bottom), else the border rule; false for
+// a row of the constant border.
+inline bool sourceRow(int p, int h, int bt, int& y) {
+    const bool mem = (p >= 0 && p < h) || (p < 0 && (bt & 0x10)) || (p >= h && (bt & 0x20));
+    y = mem ? p : reflect(p, h, bt & 0xF);
+    return mem || y >= 0;
 }
 
 // The intermediate row at vertical position p (relative to the region):
@@ -204,20 +208,15 @@ inline Sep separable(Fixed f, int n, bool second = false) {
 template <class S, class I>
 std::vector<I> intermediate(const Plane<S>& img, int p, const std::vector<int>& taps, int bt, S bv) {
     const int type = bt & 0xF, n = static_cast<int>(taps.size()), a = n / 2;
-    const bool mem = (p >= 0 && p < img.h) || (p < 0 && (bt & 0x10)) || (p >= img.h && (bt & 0x20));
-    const int y = mem ? p : reflect(p, img.h, type);
+    int y;
+    const bool real = sourceRow(p, img.h, bt, y);
     std::vector<I> r(img.w);
     long long tapSum = 0;
     for (int v : taps) tapSum += v;
     for (int x = 0; x < img.w; ++x) {
-        if (y < 0 && !mem) {
-            if constexpr (std::is_same<I, float>::value) r[x] = static_cast<float>(tapSum) * bv;
-            else r[x] = sat<int16_t>(tapSum * bv);
-            continue;
-        }
         auto get = [&](int k) { return rowSample(img, y, x - a + k, 0, type, bt, bv); };
-        if constexpr (std::is_same<I, float>::value) r[x] = dotSkip(taps, get);
-        else r[x] = static_cast<int16_t>(dotInt(taps, get));
+        if constexpr (std::is_same<I, float>::value) r[x] = real ? dotSkip(taps, get) : static_cast<float>(tapSum) * bv;
+        else r[x] = real ? static_cast<int16_t>(dotInt(taps, get)) : sat<int16_t>(tapSum * bv);
     }
     return r;
 }
@@ -227,10 +226,44 @@ template <class D, class A> D store(A v) {
     else return static_cast<D>(v);
 }
 
+// The Gaussian: normalised float taps, rows by the float row stage (constant
+// border rows hold the border value), columns in tap order.
+inline std::vector<float> gauss(const Plane<float>& img, int k, float sigma, int bt, float bv) {
+    std::vector<double> kern(k);
+    float sum = 0;
+    std::vector<float> t(k);
+    for (int i = 0; i < k; ++i) {
+        const float d = static_cast<float>(i - k / 2);
+        sum += t[i] = std::exp(-(d * d) / (2.0f * sigma * sigma));
+    }
+    for (int i = 0; i < k; ++i) kern[i] = t[i] / sum;
+    const int w = img.w, h = img.h;
+    std::vector<std::vector<float>> rows;
+    for (int p = -k / 2, y; p < h + k / 2; ++p) {
+        std::vector<float> src(w, bv);
+        if (!sourceRow(p, h, bt, y)) {
+            rows.push_back(src);
+            continue;
+        }
+        for (int x = 0; x < w; ++x) src[x] = img.at(x, y);
+        rows.push_back(pipelineRow<float, float>(RowKind::F32, src, w, 1, kern, k / 2, bt & 0xF, bv, 1));
+    }
+    std::vector<float> out;
+    for (int y = 0; y < h; ++y) {
+        std::vector<const float*> win;
+        for (int i = 0; i < k; ++i) win.push_back(rows[y + i].data());
+        const auto o = pipelineColumn<float, float>(RowKind::F32, win, w, kern, 1);
+        out.insert(out.end(), o.begin(), o.end());
+    }
+    return out;
+}
+
 // Whole filter; bt already has code 6 turned into 0xF0.
 template <class S, class D>
-std::vector<D> fixedFilter(Fixed f, const Plane<S>& img, int n, int bt, S bv) {
+std::vector<D> fixedFilter(Fixed f, const Plane<S>& img, int n, int bt, S bv, float sigma) {
     using I = typename std::conditional<std::is_same<S, float>::value, float, int16_t>::type;
+    if constexpr (std::is_same<S, float>::value)
+        if (f == Fixed::Gauss) return gauss(img, n, sigma, bt, bv);
     const int w = img.w, h = img.h, half = n / 2;
     std::vector<D> out(static_cast<size_t>(w) * h);
     auto rowsFor = [&](const std::vector<int>& taps) {
@@ -246,49 +279,28 @@ std::vector<D> fixedFilter(Fixed f, const Plane<S>& img, int n, int bt, S bv) {
     if (f == Fixed::Laplacian && n == 3) {
         const auto A = rowsFor({1, 0, 1});
         for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                const S s = img.at(x, y);
-                if constexpr (std::is_same<I, float>::value)
-                    out[y * w + x] = store<D>(2.0f * (A[y][x] + A[y + 2][x]) - 8.0f * s);
-                else
-                    out[y * w + x] = store<D>(static_cast<int16_t>(2 * (A[y][x] + A[y + 2][x]) - 8 * s));
-            }
-        return out;
-    }
-    if (f == Fixed::Lowpass) {
-        const auto R = rowsFor(std::vector<int>(n, 1));
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                if constexpr (std::is_same<I, float>::value) {
-                    float s = R[y][x];
-                    for (int k = 1; k < n; ++k) s += R[y + k][x];
-                    out[y * w + x] = static_cast<D>(s * (1.0f / static_cast<float>(n * n)));
-                } else {
-                    long long s = 0;
-                    for (int k = 0; k < n; ++k) s += R[y + k][x];
-                    const long long v = n == 3 ? ((s + 5) * 7280) >> 16 : (s * 2621) >> 16;
-                    out[y * w + x] = sat<D>(v);
-                }
-            }
+            for (int x = 0; x < w; ++x)
+                out[y * w + x] = store<D>(static_cast<I>(2 * (A[y][x] + A[y + 2][x]) - 8 * img.at(x, y)));
         return out;
     }
     const Sep sep = separable(f, n);
     const auto R = rowsFor(sep.row);
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) {
-            if constexpr (std::is_same<I, float>::value) out[y * w + x] = store<D>(colDot(R, sep.col, x, y));
-            else out[y * w + x] = store<D>(static_cast<int16_t>(colDot(R, sep.col, x, y)));
+            const auto v = colDot(R, sep.col, x, y);
+            D& o = out[y * w + x];
+            if (f != Fixed::Lowpass) o = store<D>(static_cast<I>(v));
+            else if constexpr (std::is_same<I, float>::value) o = static_cast<D>(v * (1.0f / static_cast<float>(n * n)));
+            else o = sat<D>(n == 3 ? ((v + 5) * 7280) >> 16 : (v * 2621) >> 16);  // fixed-point division by 9 or 25
         }
     if (f == Fixed::Laplacian) {  // 5x5: a second pass added to the first
-        const Sep s2 = separable(f, 5, true);
+        const Sep s2 = separable(Fixed::SobelVertSecond, 5);
         const auto R2 = rowsFor(s2.row);
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 D& o = out[y * w + x];
-                if constexpr (std::is_same<D, float>::value) {
-                    o = o + colDot(R2, s2.col, x, y);
-                } else if constexpr (std::is_same<D, int16_t>::value) {
-                    o = static_cast<int16_t>(o + colDot(R2, s2.col, x, y));
+                if constexpr (!std::is_same<D, int8_t>::value) {
+                    o = store<D>(o + colDot(R2, s2.col, x, y));
                 } else {
                     // The 8u8s second pass runs the 3x3 Laplacian column
                     // routine on the 5-row window; its second row is read
