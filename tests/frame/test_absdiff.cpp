@@ -72,11 +72,9 @@ INSTANTIATE_TEST_SUITE_P(Paths, AbsDiffAcross, testing::ValuesIn(pathConfigs()),
 // The cache-bypassing kernels give the same bits as the plain ones, for
 // aligned and unaligned rows (where they fall back to plain stores).
 TEST(AbsDiffKernels, BypassingStoresGiveSameBits) {
-    const std::pair<rvcv::Isa, const rvcv::AbsDiffKernels*> tables[] = {
-        {rvcv::Isa::M7, &rvcv::m7::kAbsDiff}, {rvcv::Isa::Avx2, &rvcv::avx2::kAbsDiff},
-        {rvcv::Isa::Avx512, &rvcv::avx512::kAbsDiff}};
-    for (const auto& [isa, k] : tables) {
-        if (!rvcv::isaAvailable(isa)) continue;
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa scoped(isa);
+        const rvcv::AbsDiffKernels* k = &rvcv::pick(rvcv::m7::kAbsDiff, rvcv::avx2::kAbsDiff, rvcv::avx512::kAbsDiff);
         for (int pad : {0, 4}) {
             Image<Rvp32f> a(77, 5, 1, pad), b(77, 5, 1, pad), d1(77, 5, 1, pad), d2(77, 5, 1, pad);
             Random<Rvp32f> rnd(11);
