@@ -63,15 +63,6 @@ const Case kCases[] = {{1, 1, 0}, {1, 6, 4}, {2, 3, 0}, {3, 4, 8}, {4, 1, 0}, {5
                        {9, 3, 0}, {11, 4, 4}, {12, 1, 0}, {15, 3, 8}, {16, 2, 0}, {17, 3, 4}, {35, 5, 0},
                        {64, 3, 0}, {101, 37, 4}, {513, 520, 8}};
 
-// Accumulator values: ordinary numbers with a sprinkling of zeros of both signs.
-float accValue(std::mt19937& rng) {
-    switch (rng() % 8) {
-    case 0: return -0.0f;
-    case 1: return 0.0f;
-    default: return std::uniform_real_distribution<float>(-500, 500)(rng);
-    }
-}
-
 template <class T>
 void checkMember(const Member& m, uint32_t seed) {
     const float alpha = 0.3f;
@@ -86,7 +77,10 @@ void checkMember(const Member& m, uint32_t seed) {
         s1.fill(rnd);
         s2.fill(rnd2);
         mask.fill([&] { return static_cast<Rvp8u>(rng() % 3 == 0 ? 0 : rng() % 256); });
-        acc.fill([&] { return accValue(rng); });
+        acc.fill([&] {  // ordinary numbers with a sprinkling of zeros of both signs
+            const unsigned k = rng() % 8;
+            return k == 0 ? -0.0f : k == 1 ? 0.0f : std::uniform_real_distribution<float>(-500, 500)(rng);
+        });
         // Masked-out float sources carry NaN and infinities: they must not reach the sum.
         if constexpr (std::is_same<T, Rvp32f>::value)
             if (m.masked)
@@ -133,8 +127,7 @@ TEST(AccumulateKernels, BypassingStoresGiveSameBits) {
         const rvcv::AccumKernels& k = rvcv::pick(rvcv::m7::kAccum, rvcv::avx2::kAccum, rvcv::avx512::kAccum);
         for (int pad : {0, 4})
             for (int masked : {0, 1}) {
-                Image<Rvp8u> s(w, h, 1, pad), s2(w, h, 1, pad);
-                Image<Rvp8u> m(w, h, 1, pad);
+                Image<Rvp8u> s(w, h, 1, pad), s2(w, h, 1, pad), m(w, h, 1, pad);
                 Image<Rvp32f> d1(w, h, 1, pad);
                 s.fill(Random<Rvp8u>(1));
                 s2.fill(Random<Rvp8u>(2));
@@ -160,11 +153,10 @@ TEST(Accumulate, ValidationOrder) {
     acc.fill(Random<Rvp32f>(5));
     const auto before = acc.raw();
     std::vector<uint8_t> mem(4096, 1);
-    const Rvp8u* u8 = mem.data();
+    const Rvp8u *u8 = mem.data(), *mk = u8;  // sources and masks
     const Rvp8s* s8 = reinterpret_cast<const Rvp8s*>(mem.data());
     const Rvp16u* u16 = reinterpret_cast<const Rvp16u*>(mem.data());
     const Rvp32f* f32 = reinterpret_cast<const Rvp32f*>(mem.data());
-    const Rvp8u* mk = mem.data();
     Rvp32f* d = acc.ptr();
     const RvpiSize r{w, h};
     struct Row { const char* what; std::function<RvpStatus()> call; RvpStatus want; };

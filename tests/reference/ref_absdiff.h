@@ -7,13 +7,10 @@
 
 namespace ref {
 
-inline uint8_t absDiff(uint8_t a, uint8_t b) {
-    int d1 = a - b < 0 ? 0 : a - b, d2 = b - a < 0 ? 0 : b - a;  // two saturating differences
-    return static_cast<uint8_t>(d1 + d2);
-}
-inline uint16_t absDiff(uint16_t a, uint16_t b) {
-    int d1 = a - b < 0 ? 0 : a - b, d2 = b - a < 0 ? 0 : b - a;
-    return static_cast<uint16_t>(d1 + d2);
+// The integer forms: the sum of the two saturating differences.
+template <class T> inline T absDiff(T a, T b) {
+    const int d1 = a - b < 0 ? 0 : a - b, d2 = b - a < 0 ? 0 : b - a;
+    return static_cast<T>(d1 + d2);
 }
 inline float absDiff(float a, float b) {
     float d = a - b;

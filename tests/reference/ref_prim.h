@@ -11,17 +11,9 @@ namespace ref {
 
 // v / 2^s rounded to nearest, ties to the even neighbour; s < 0 multiplies.
 inline long double scaled(int64_t v, int s) {
-    if (s <= 0) {
-        long double r = static_cast<long double>(v);
-        for (int i = 0; i < -s; ++i) r *= 2;
-        return r;
-    }
-    long double q = static_cast<long double>(v);
-    for (int i = 0; i < s; ++i) q /= 2;
-    const long double f = floorl(q);
-    const long double frac = q - f;
-    if (frac > 0.5L) return f + 1;
-    if (frac < 0.5L) return f;
+    const long double q = ldexpl(static_cast<long double>(v), -s);  // exact for these magnitudes
+    const long double f = floorl(q), frac = q - f;
+    if (frac != 0.5L) return frac > 0.5L ? f + 1 : f;
     return static_cast<int64_t>(f) % 2 == 0 ? f : f + 1;
 }
 
