@@ -146,8 +146,8 @@ void bandRegion(int height, int requested, Body&& body) {
 // Threshold of the pixel-wise families (absolute difference, accumulation):
 // below 262144 pixels the call stays on the caller's thread. So does a call
 // permitted one thread: a team of one would take the whole image as its band
-// anyway, and opening the region costs a system call, which on some virtual
-// machines also empties the TLB the kernel then refills page by page.
+// anyway, and opening the region costs a system call (measured at 25-30 us
+// per 1080p call on a virtual machine).
 constexpr int kPixelwiseParallelMin = 0x40000;
 
 template <class Body>
