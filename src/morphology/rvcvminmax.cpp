@@ -45,7 +45,8 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
     const MinMaxRowFn* rows = k.row[op][layoutIndex(isFloat, channels)];
     int ri = (w >= 2 * W && W < 16) ? W : 0;
     const bool hasSmall = isFloat ? channels == 1 : channels == 4;
-    if (hasSmall && wmul(wmul(w, h), 4) <= 16384) {
+    const bool small = hasSmall && wmul(wmul(w, h), 4) <= 16384;
+    if (small) {
         rows = k.rowSmall[op][isFloat ? 1 : 0];
         if (w >= 2 * W && W >= 16) ri = 15;
     }
@@ -61,7 +62,7 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
     for (int i = 0; i < 4 * H; ++i) ptrs[i] = store + stride * static_cast<size_t>(i % R);
 
     k.column[op][isFloat ? 1 : 0][ci](src, srcStep, dst, dstStep, RvpiSize{w, h}, channels, RvpiSize{W, H},
-                                      RvpiPoint{ax, ay}, rows[ri], ptrs);
+                                      RvpiPoint{ax, ay}, rows[ri], ptrs, !small);
     return rvpStsNoErr;
 }
 

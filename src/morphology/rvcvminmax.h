@@ -14,8 +14,10 @@ namespace rvcv {
 // (source row, destination row, width in pixels, mask width, anchor column)
 using MinMaxRowFn = void (*)(const void* src, void* dst, int width, int maskWidth, int anchor);
 // Owns the loop over rows; rowPtrs is the ring list laid out in the caller's buffer.
+// exactRows: row gives the exact clamped window, so rows may be reduced in
+// bands instead.
 using MinMaxColumnFn = void (*)(const void* src, int srcStep, void* dst, int dstStep, RvpiSize roi, int channels,
-                                RvpiSize mask, RvpiPoint anchor, MinMaxRowFn row, void** rowPtrs);
+                                RvpiSize mask, RvpiPoint anchor, MinMaxRowFn row, void** rowPtrs, int exactRows);
 // dst = extremum of n >= 1 rows of `samples` samples each.
 using MinMaxFoldFn = void (*)(const void* const* rows, int n, void* dst, int samples);
 // One output row of the direct structuring-element kernel: topLeft is the

@@ -2,10 +2,13 @@
 // extremum, compiled per instruction set (see rvcvsimd.h). A row runs a
 // scalar running extremum at both edges and vectors over samples in the
 // middle: direct for short masks, doubling windows in a stack block for
-// longer ones. Columns keep a ring of reduced rows; short masks fold it
-// directly, long ones use a block-wise running extremum (about three
-// comparisons a sample whatever the height).
+// longer ones. Wide single-channel masks reduce bands of rows at once in a
+// transposed layout instead, at a cost that no longer grows with the width.
+// Columns keep a ring of reduced rows; short masks fold it directly, long
+// ones use a block-wise running extremum (about three comparisons a sample
+// whatever the height).
 #include <cstddef>
+#include <cstdlib>
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -63,6 +66,8 @@ struct OpMin {
     static KVec<double> f(KVec<double> a, KVec<double> b) {
         return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_min_pd(x, y); });
     }
+    typedef float F4 __attribute__((vector_size(16)));
+    static F4 f(F4 a, F4 b) { return bitcast<F4>(_mm_min_ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
 };
 struct OpMax {
     template <class X> static X f(X a, X b) { return a > b ? a : b; }
@@ -72,6 +77,8 @@ struct OpMax {
     static KVec<double> f(KVec<double> a, KVec<double> b) {
         return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_max_pd(x, y); });
     }
+    typedef float F4 __attribute__((vector_size(16)));
+    static F4 f(F4 a, F4 b) { return bitcast<F4>(_mm_max_ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
 };
 #endif
 
@@ -454,6 +461,166 @@ void rowFixed(const void* sv, void* dv, int w, int W, int a) {
     }
 }
 
+// ---- Bands of rows -------------------------------------------------------------
+// Single-channel rows of a band are reduced together: tiles of E samples
+// from each row are transposed in 16-byte lanes so that one vector holds one
+// column of every row of the band, and a block-wise running extremum along
+// the row (suffix and prefix extrema over blocks of W columns) then costs
+// about three comparisons a sample whatever the mask width. Edges replicate
+// the first and last column, so every output is the exact clamped window.
+#ifdef __AVX512BW__
+constexpr int kBandBytes = 64;
+// Narrowest mask for which a band beats the row kernels, by sample size;
+// 4-byte rows keep the doubling kernels at this level, which are faster.
+template <class T> constexpr int bandMinWidth() { return sizeof(T) == 1 ? 10 : 1 << 30; }
+#elif defined(__AVX2__)
+constexpr int kBandBytes = 32;
+template <class T> constexpr int bandMinWidth() { return sizeof(T) == 1 ? 16 : 32; }
+#else
+constexpr int kBandBytes = 16;
+template <class T> constexpr int bandMinWidth() { return 8; }
+#endif
+template <class T> constexpr int bandRows() { return kBandBytes / static_cast<int>(sizeof(T)); }
+
+// Output columns of a pass along the row: the pass's two working arrays
+// stay within about 24 KB, half of L1, whatever the mask width.
+inline int bandChunk(int E, int W) {
+    const int fit = 24576 / (2 * kBandBytes) - (W - 1);
+    return fit > 4 * E ? fit / E * E : 4 * E;
+}
+
+// Working vectors of one band: two edge vectors and two arrays of
+// bandChunk + W - 1 columns.
+inline size_t bandWorkBytes(int E, int W) {
+    return static_cast<size_t>(kBandBytes) * (2 + 2 * (static_cast<size_t>(bandChunk(E, W)) + static_cast<size_t>(W - 1)));
+}
+
+template <int BV> struct LaneInt;
+template <> struct LaneInt<16> { using type = __m128i; };
+inline __m128i unpackLo(__m128i a, __m128i b, std::integral_constant<int, 1>) { return _mm_unpacklo_epi8(a, b); }
+inline __m128i unpackHi(__m128i a, __m128i b, std::integral_constant<int, 1>) { return _mm_unpackhi_epi8(a, b); }
+inline __m128i unpackLo(__m128i a, __m128i b, std::integral_constant<int, 4>) { return _mm_unpacklo_epi32(a, b); }
+inline __m128i unpackHi(__m128i a, __m128i b, std::integral_constant<int, 4>) { return _mm_unpackhi_epi32(a, b); }
+inline __m128i loadLanes(const char* const* p, int t, __m128i*) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p[0] + t)); }
+inline void storeLanes(char* const* p, int t, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p[0] + t), v); }
+#ifdef __AVX2__
+template <> struct LaneInt<32> { using type = __m256i; };
+inline __m256i unpackLo(__m256i a, __m256i b, std::integral_constant<int, 1>) { return _mm256_unpacklo_epi8(a, b); }
+inline __m256i unpackHi(__m256i a, __m256i b, std::integral_constant<int, 1>) { return _mm256_unpackhi_epi8(a, b); }
+inline __m256i unpackLo(__m256i a, __m256i b, std::integral_constant<int, 4>) { return _mm256_unpacklo_epi32(a, b); }
+inline __m256i unpackHi(__m256i a, __m256i b, std::integral_constant<int, 4>) { return _mm256_unpackhi_epi32(a, b); }
+inline __m256i loadLanes(const char* const* p, int t, __m256i*) {
+    const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p[0] + t));
+    return _mm256_inserti128_si256(_mm256_zextsi128_si256(lo), _mm_loadu_si128(reinterpret_cast<const __m128i*>(p[1] + t)), 1);
+}
+inline void storeLanes(char* const* p, int t, __m256i v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[0] + t), _mm256_castsi256_si128(v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[1] + t), _mm256_extracti128_si256(v, 1));
+}
+#endif
+#ifdef __AVX512BW__
+template <> struct LaneInt<64> { using type = __m512i; };
+inline __m512i unpackLo(__m512i a, __m512i b, std::integral_constant<int, 1>) { return _mm512_unpacklo_epi8(a, b); }
+inline __m512i unpackHi(__m512i a, __m512i b, std::integral_constant<int, 1>) { return _mm512_unpackhi_epi8(a, b); }
+inline __m512i unpackLo(__m512i a, __m512i b, std::integral_constant<int, 4>) { return _mm512_mask_unpacklo_epi32(a, 0xFFFF, a, b); }
+inline __m512i unpackHi(__m512i a, __m512i b, std::integral_constant<int, 4>) { return _mm512_mask_unpackhi_epi32(a, 0xFFFF, a, b); }
+inline __m512i loadLanes(const char* const* p, int t, __m512i*) {
+    auto q = [&](int i) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p[i] + t)); };
+    // masked broadcasts load into their lanes without a shuffle
+    __m512i v = _mm512_zextsi128_si512(q(0));
+    v = _mm512_mask_broadcast_i32x4(v, 0x00F0, q(1));
+    v = _mm512_mask_broadcast_i32x4(v, 0x0F00, q(2));
+    return _mm512_mask_broadcast_i32x4(v, 0xF000, q(3));
+}
+inline void storeLanes(char* const* p, int t, __m512i v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[0] + t), _mm512_mask_extracti32x4_epi32(_mm_setzero_si128(), 0xF, v, 0));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[1] + t), _mm512_mask_extracti32x4_epi32(_mm_setzero_si128(), 0xF, v, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[2] + t), _mm512_mask_extracti32x4_epi32(_mm_setzero_si128(), 0xF, v, 2));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p[3] + t), _mm512_mask_extracti32x4_epi32(_mm_setzero_si128(), 0xF, v, 3));
+}
+#endif
+
+// Transposes E x E samples inside every 16-byte lane: E rounds of pairing
+// vector i with i + E/2 and interleaving, each round rotating the bits of
+// (vector index, position) by one, so log2(E) rounds exchange them.
+template <int ES, class V> inline void transposeLanes(V* v) {
+    constexpr int E = 16 / ES;
+    for (int round = 1; round < E; round *= 2) {
+        V t[E];
+        for (int i = 0; i < E / 2; ++i) {
+            t[2 * i] = unpackLo(v[i], v[i + E / 2], std::integral_constant<int, ES>());
+            t[2 * i + 1] = unpackHi(v[i], v[i + E / 2], std::integral_constant<int, ES>());
+        }
+        for (int i = 0; i < E; ++i) v[i] = t[i];
+    }
+}
+
+// Rows src[r] -> dst[r] for the bandRows<T>() rows of a band; w >= 16 / sizeof(T).
+template <class T, class Op>
+void rowBand(const T* const* src, T* const* dst, int w, int W, int a, void* work) {
+    constexpr int ES = static_cast<int>(sizeof(T)), E = 16 / ES, G = kBandBytes / 16, R = E * G;
+    using V = typename LaneInt<kBandBytes>::type;
+    typedef T VT __attribute__((vector_size(kBandBytes)));
+    const int span = W - 1, Kmax = bandChunk(E, W);
+    VT* const edge = static_cast<VT*>(work);
+    VT* const P = edge + 2;
+    VT* const Hh = P + Kmax + span;
+    for (int r = 0; r < R; ++r) {
+        edge[0][r] = src[r][0];
+        edge[1][r] = src[r][w - 1];
+    }
+    // lane g of vector i holds row g E + i
+    const char* sp[E][G];
+    char* dp[E][G];
+    for (int i = 0; i < E; ++i)
+        for (int g = 0; g < G; ++g) {
+            sp[i][g] = reinterpret_cast<const char*>(src[g * E + i]);
+            dp[i][g] = reinterpret_cast<char*>(dst[g * E + i]);
+        }
+    for (int j0 = 0;; j0 += Kmax) {
+        if (j0 + Kmax > w) j0 = w > Kmax ? w - Kmax : 0;  // the last pass overlaps the one before
+        const int K = w - j0 < Kmax ? w - j0 : Kmax, len = K + span;
+        // P[q] is column j0 - a + q clamped; columns [sb, se) come from the rows
+        const int lo = j0 - a, sb = lo > 0 ? lo : 0, se = lo + len < w ? lo + len : w;
+        for (int q = 0; q < sb - lo; ++q) P[q] = edge[0];
+        for (int q = se - lo; q < len; ++q) P[q] = edge[1];
+        for (int t = sb; t < se; t += E) {
+            if (t + E > se) t = se - E;
+            V v[E];
+            for (int i = 0; i < E; ++i) v[i] = loadLanes(sp[i], t * ES, static_cast<V*>(nullptr));
+            transposeLanes<ES>(v);
+            for (int i = 0; i < E; ++i) P[t - lo + i] = bitcast<VT>(v[i]);
+        }
+        // Suffix extrema per block of W columns into Hh, then prefix extrema
+        // of the same blocks: output q meets the suffix from q and the prefix
+        // up to q + span. The running value stays in a register; a chain
+        // through memory would wait on store forwarding every step.
+        for (int b = 0; b < len; b += W) {
+            const int e = b + W < len ? b + W : len;
+            VT run = P[e - 1];
+            for (int q = e - 1; q >= b; --q) Hh[q] = run = Op::f(run, P[q]);
+        }
+        for (int b = 0; b < len; b += W) {
+            const int e = b + W < len ? b + W : len;
+            VT run = P[b];
+            int q = b;
+            for (; q < e && q < span; ++q) run = Op::f(run, P[q]);
+            for (; q < e; ++q) {
+                run = Op::f(run, P[q]);
+                Hh[q - span] = Op::f(Hh[q - span], run);
+            }
+        }
+        for (int u = 0; u < K; u += E) {
+            if (u + E > K) u = K - E;
+            V v[E];
+            for (int i = 0; i < E; ++i) v[i] = bitcast<V>(Hh[u + i]);
+            transposeLanes<ES>(v);
+            for (int i = 0; i < E; ++i) storeLanes(dp[i], (j0 + u) * ES, v[i]);
+        }
+        if (j0 + K >= w) break;
+    }
+}
+
 // ---- Columns -------------------------------------------------------------------
 // Two output rows share the H - 1 reduced rows common to both windows; the
 // row above the pair completes the first, the row below the second.
@@ -494,6 +661,63 @@ struct ColumnArgs {
     int w, h, C, W, ax, H, ay;
     MinMaxRowFn row;
     void** ptrs;
+    bool exact;  // the row function gives the exact clamped window
+};
+
+template <class T, class Op> class RowFeed {
+public:
+    static constexpr int R = bandRows<T>(), E = 16 / static_cast<int>(sizeof(T));
+    explicit RowFeed(const ColumnArgs& g) : g_(g) {
+        // A band of few real rows would mostly reduce copies of the last.
+        if (!g.exact || g.C != 1 || g.W < bandMinWidth<T>() || g.w < E || g.h < R / 4) return;
+        stride_ = (sizeof(T) * static_cast<size_t>(g.w) + 63) & ~size_t(63);
+        const size_t bytes = stride_ * R + bandWorkBytes(E, g.W);
+        block_ = static_cast<char*>(std::aligned_alloc(64, (bytes + 63) & ~size_t(63)));
+        if (block_) band_ = rowBand<T, Op>;
+    }
+    ~RowFeed() { std::free(block_); }
+    RowFeed(const RowFeed&) = delete;
+    RowFeed& operator=(const RowFeed&) = delete;
+
+    bool banded() const { return band_ != nullptr; }
+
+    // Reduced row i (0 <= i < h) into slot.
+    void get(int i, T* slot) {
+        if (!band_) {
+            g_.row(rowAt(g_.src, g_.srcStep, i), slot, g_.w, g_.W, g_.ax);
+            return;
+        }
+        if (b0_ < 0 || i < b0_ || i >= b0_ + R) {
+            T* out[R];
+            for (int r = 0; r < R; ++r) out[r] = row(r);
+            run(i, out);
+            b0_ = i;
+        }
+        std::memcpy(slot, row(i - b0_), sizeof(T) * static_cast<size_t>(g_.w));
+    }
+
+    // Reduced rows straight into the destination (masks one row high).
+    void toDestination() {
+        for (int y = 0; y < g_.h; y += R) {
+            T* out[R];
+            for (int r = 0; r < R; ++r) out[r] = y + r < g_.h ? reinterpret_cast<T*>(rowAt(g_.dst, g_.dstStep, y + r)) : row(r);
+            run(y, out);
+        }
+    }
+
+private:
+    T* row(int r) const { return reinterpret_cast<T*>(block_ + stride_ * static_cast<size_t>(r)); }
+    void run(int y, T* const* out) {
+        const T* in[R];
+        for (int r = 0; r < R; ++r) in[r] = rowAt(reinterpret_cast<const T*>(g_.src), g_.srcStep, y + r < g_.h ? y + r : g_.h - 1);
+        band_(in, out, g_.w, g_.W, g_.ax, block_ + stride_ * R);
+    }
+
+    const ColumnArgs& g_;
+    void (*band_)(const T* const*, T* const*, int, int, int, void*) = nullptr;
+    char* block_ = nullptr;
+    size_t stride_ = 0;
+    int b0_ = -1;
 };
 
 template <class T> bool streamingWorthIt(int w, int C, int h) {
@@ -523,9 +747,9 @@ template <class T, class Op> struct Emit {
 // j % (H + 1), rows outside the image read the nearest real row; output rows
 // are made two at a time.
 template <class T, class Op>
-void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit) {
+void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit, RowFeed<T, Op>& feed) {
     if (g.H == 1) {
-        for (int y = 0; y < g.h; ++y) g.row(rowAt(g.src, g.srcStep, y), rowAt(g.dst, g.dstStep, y), g.w, g.W, g.ax);
+        for (int y = 0; y < g.h; ++y) feed.get(y, reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y)));
         return;
     }
     const int R = g.H + 1;
@@ -537,7 +761,7 @@ void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit) {
     const T* common[8];
     for (int y = 0; y < g.h; y += 2) {
         const int last = y - g.ay + g.H < g.h - 1 ? y - g.ay + g.H : g.h - 1;
-        for (; next <= last; ++next) g.row(rowAt(g.src, g.srcStep, next), g.ptrs[next % R], g.w, g.W, g.ax);
+        for (; next <= last; ++next) feed.get(next, static_cast<T*>(g.ptrs[next % R]));
         for (int i = 1; i < g.H; ++i) common[i - 1] = rowOf(y - g.ay + i);
         const T* top = rowOf(y - g.ay);
         T* o0 = reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y));
@@ -557,7 +781,7 @@ void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit) {
 // block, which starts at p + H + 1. Rows above and below the image are
 // copies of the first and last reduced rows, kept in two spare slots.
 template <class T, class Op>
-void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit) {
+void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit, RowFeed<T, Op>& feed) {
     const int H = g.H, h = g.h, ns = g.w * g.C;
     const size_t rb = sizeof(T) * static_cast<size_t>(ns);
     T** blk = reinterpret_cast<T**>(g.ptrs) + 2 * H;
@@ -565,14 +789,14 @@ void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit) {
     T* F = static_cast<T*>(g.ptrs[H]);
     T* top = static_cast<T*>(g.ptrs[H + 1]);
     T* bottom = h == 1 ? top : static_cast<T*>(g.ptrs[H + 2]);
-    g.row(g.src, top, g.w, g.W, g.ax);
+    feed.get(0, top);
     auto load = [&](long long i, T* slot) {
         if (i <= 0) {
             std::memcpy(slot, top, rb);
         } else if (i < h - 1) {
-            g.row(rowAt(g.src, g.srcStep, static_cast<int>(i)), slot, g.w, g.W, g.ax);
+            feed.get(static_cast<int>(i), slot);
         } else if (i == h - 1) {
-            g.row(rowAt(g.src, g.srcStep, static_cast<int>(i)), bottom, g.w, g.W, g.ax);
+            feed.get(static_cast<int>(i), bottom);
             std::memcpy(slot, bottom, rb);
         } else {
             std::memcpy(slot, bottom, rb);
@@ -609,16 +833,18 @@ void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit) {
 // Index 1: the row function straight from each source row to its output row.
 template <class T, class Op, int Kind>
 void column(const void* src, int srcStep, void* dst, int dstStep, RvpiSize roi, int channels, RvpiSize mask,
-            RvpiPoint anchor, MinMaxRowFn row, void** ptrs) {
+            RvpiPoint anchor, MinMaxRowFn row, void** ptrs, int exactRows) {
     const ColumnArgs g{static_cast<const char*>(src), srcStep, static_cast<char*>(dst), dstStep, roi.width,
-                       roi.height, channels, mask.width, anchor.x, mask.height, anchor.y, row, ptrs};
-    if (Kind == 1) {
-        for (int y = 0; y < g.h; ++y) row(rowAt(g.src, srcStep, y), rowAt(g.dst, dstStep, y), g.w, g.W, g.ax);
+                       roi.height, channels, mask.width, anchor.x, mask.height, anchor.y, row, ptrs, exactRows != 0};
+    RowFeed<T, Op> feed(g);
+    if (Kind == 1 || g.H == 1) {
+        if (feed.banded()) feed.toDestination();
+        else for (int y = 0; y < g.h; ++y) row(rowAt(g.src, srcStep, y), rowAt(g.dst, dstStep, y), g.w, g.W, g.ax);
         return;
     }
     const Emit<T, Op> emit{streamingWorthIt<T>(g.w, g.C, g.h), g.w * g.C};
-    if (g.H <= 5) columnDirect<T, Op>(g, emit);
-    else columnRunning<T, Op>(g, emit);
+    if (g.H <= 5) columnDirect<T, Op>(g, emit, feed);
+    else columnRunning<T, Op>(g, emit, feed);
     if (emit.big) _mm_sfence();
 }
 

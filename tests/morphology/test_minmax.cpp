@@ -61,9 +61,10 @@ void runCase(const Form<T>& f, int w, int h, int pad, int W, int H, int ax, int 
 }
 
 struct Geometry { int w, h, pad; };
-// 1111 x 3: rows longer than the stack blocks the row kernels work in.
+// 1111 x 3: rows longer than the stack blocks the row kernels work in;
+// 600 x 20: bands of rows reduced together, several passes along each row.
 const Geometry kSizes[] = {{1, 1, 0}, {2, 3, 4}, {7, 5, 0}, {16, 9, 8}, {31, 17, 4}, {40, 40, 0},
-                           {65, 12, 12}, {129, 70, 0}, {70, 129, 20}, {1111, 3, 4}};
+                           {65, 12, 12}, {129, 70, 0}, {70, 129, 20}, {1111, 3, 4}, {600, 20, 4}};
 const int kLengths[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 20, 21, 41, 63, 64, 70, 131};
 
 template <class T>
