@@ -8,7 +8,6 @@
 // ones use a block-wise running extremum (about three comparisons a sample
 // whatever the height).
 #include <cstddef>
-#include <cstdlib>
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -16,6 +15,7 @@
 
 #include "rvcvminmax.h"
 #include "rvcvsimd.h"
+#include "rvpcore.h"
 
 namespace rvcv {
 namespace RVCV_ISA_NS {
@@ -672,10 +672,14 @@ public:
         if (!g.exact || g.C != 1 || g.W < bandMinWidth<T>() || g.w < E || g.h < R / 4) return;
         stride_ = (sizeof(T) * static_cast<size_t>(g.w) + 63) & ~size_t(63);
         const size_t bytes = stride_ * R + bandWorkBytes(E, g.W);
-        block_ = static_cast<char*>(std::aligned_alloc(64, (bytes + 63) & ~size_t(63)));
-        if (block_) band_ = rowBand<T, Op>;
+        if (bytes > static_cast<size_t>(std::numeric_limits<int>::max() - 64)) return;
+        heap_ = rvpMalloc(static_cast<int>(bytes) + 32);
+        if (!heap_) return;
+        // whole vectors of the widest level are 64 bytes; the allocator gives 32
+        block_ = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(heap_) + 63) & ~uintptr_t(63));
+        band_ = rowBand<T, Op>;
     }
-    ~RowFeed() { std::free(block_); }
+    ~RowFeed() { if (heap_) rvpFree(heap_); }
     RowFeed(const RowFeed&) = delete;
     RowFeed& operator=(const RowFeed&) = delete;
 
@@ -715,6 +719,7 @@ private:
 
     const ColumnArgs& g_;
     void (*band_)(const T* const*, T* const*, int, int, int, void*) = nullptr;
+    void* heap_ = nullptr;
     char* block_ = nullptr;
     size_t stride_ = 0;
     int b0_ = -1;
