@@ -519,6 +519,8 @@ inline void storeLanes(char* const* p, int t, __m256i v) {
 }
 #endif
 #ifdef __AVX512BW__
+// The masked forms where a plain one exists: GCC 12's plain ones trip its
+// maybe-uninitialized warning.
 template <> struct LaneInt<64> { using type = __m512i; };
 inline __m512i unpackLo(__m512i a, __m512i b, std::integral_constant<int, 1>) { return _mm512_unpacklo_epi8(a, b); }
 inline __m512i unpackHi(__m512i a, __m512i b, std::integral_constant<int, 1>) { return _mm512_unpackhi_epi8(a, b); }
@@ -540,9 +542,9 @@ inline void storeLanes(char* const* p, int t, __m512i v) {
 }
 #endif
 
-// Transposes E x E samples inside every 16-byte lane: E rounds of pairing
-// vector i with i + E/2 and interleaving, each round rotating the bits of
-// (vector index, position) by one, so log2(E) rounds exchange them.
+// Transposes E x E samples inside every 16-byte lane: log2(E) rounds of
+// interleaving vector i with vector i + E/2; each round rotates the bits of
+// (vector index, position) by one, so log2(E) rounds exchange the two.
 template <int ES, class V> inline void transposeLanes(V* v) {
     constexpr int E = 16 / ES;
     for (int round = 1; round < E; round *= 2) {
