@@ -666,6 +666,11 @@ struct ColumnArgs {
     bool exact;  // the row function gives the exact clamped window
 };
 
+// Reduced rows on request, rows 1 .. h - 2 each once in increasing order:
+// from the row function into the caller's slot, or from bands computed into
+// a ring of rows of its own. The ring keeps the last 2H + 1 rows handed out
+// while a new band is written, so a column pass may keep pointers to them
+// and update them in place.
 template <class T, class Op> class RowFeed {
 public:
     static constexpr int R = bandRows<T>(), E = 16 / static_cast<int>(sizeof(T));
@@ -673,7 +678,8 @@ public:
         // A band of few real rows would mostly reduce copies of the last.
         if (!g.exact || g.C != 1 || g.W < bandMinWidth<T>() || g.w < E || g.h < R / 4) return;
         stride_ = (sizeof(T) * static_cast<size_t>(g.w) + 63) & ~size_t(63);
-        const size_t bytes = stride_ * R + bandWorkBytes(E, g.W);
+        cap_ = (2 * g.H + 1 + R + R - 1) / R * R;
+        const size_t bytes = stride_ * static_cast<size_t>(cap_) + bandWorkBytes(E, g.W);
         if (bytes > static_cast<size_t>(std::numeric_limits<int>::max() - 64)) return;
         heap_ = rvpMalloc(static_cast<int>(bytes) + 32);
         if (!heap_) return;
@@ -687,19 +693,25 @@ public:
 
     bool banded() const { return band_ != nullptr; }
 
-    // Reduced row i (0 <= i < h) into slot.
-    void get(int i, T* slot) {
+    // Reduced row i: in slot, or in the ring.
+    T* fetch(int i, T* slot) {
         if (!band_) {
             g_.row(rowAt(g_.src, g_.srcStep, i), slot, g_.w, g_.W, g_.ax);
-            return;
+            return slot;
         }
-        if (b0_ < 0 || i < b0_ || i >= b0_ + R) {
+        if (i >= next_) {
             T* out[R];
-            for (int r = 0; r < R; ++r) out[r] = row(r);
+            for (int r = 0; r < R; ++r) out[r] = row(i + r);
             run(i, out);
-            b0_ = i;
+            next_ = i + R;
         }
-        std::memcpy(slot, row(i - b0_), sizeof(T) * static_cast<size_t>(g_.w));
+        return row(i);
+    }
+
+    // Reduced row i copied into slot.
+    void get(int i, T* slot) {
+        const T* r = fetch(i, slot);
+        if (r != slot) std::memcpy(slot, r, sizeof(T) * static_cast<size_t>(g_.w));
     }
 
     // Reduced rows straight into the destination (masks one row high).
@@ -712,11 +724,11 @@ public:
     }
 
 private:
-    T* row(int r) const { return reinterpret_cast<T*>(block_ + stride_ * static_cast<size_t>(r)); }
+    T* row(int i) const { return reinterpret_cast<T*>(block_ + stride_ * static_cast<size_t>(i % cap_)); }
     void run(int y, T* const* out) {
         const T* in[R];
         for (int r = 0; r < R; ++r) in[r] = rowAt(reinterpret_cast<const T*>(g_.src), g_.srcStep, y + r < g_.h ? y + r : g_.h - 1);
-        band_(in, out, g_.w, g_.W, g_.ax, block_ + stride_ * R);
+        band_(in, out, g_.w, g_.W, g_.ax, block_ + stride_ * static_cast<size_t>(cap_));
     }
 
     const ColumnArgs& g_;
@@ -724,7 +736,8 @@ private:
     void* heap_ = nullptr;
     char* block_ = nullptr;
     size_t stride_ = 0;
-    int b0_ = -1;
+    int cap_ = R;
+    int next_ = 0;
 };
 
 template <class T> bool streamingWorthIt(int w, int C, int h) {
@@ -755,20 +768,14 @@ template <class T, class Op> struct Emit {
 // are made two at a time.
 template <class T, class Op>
 void columnDirect(const ColumnArgs& g, const Emit<T, Op>& emit, RowFeed<T, Op>& feed) {
-    if (g.H == 1) {
-        for (int y = 0; y < g.h; ++y) feed.get(y, reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y)));
-        return;
-    }
     const int R = g.H + 1;
     int next = 0;
-    auto rowOf = [&](int j) {
-        j = j < 0 ? 0 : j > g.h - 1 ? g.h - 1 : j;
-        return static_cast<const T*>(g.ptrs[j % R]);
-    };
+    const T* ring[8];
+    auto rowOf = [&](int j) { return ring[(j < 0 ? 0 : j > g.h - 1 ? g.h - 1 : j) % R]; };
     const T* common[8];
     for (int y = 0; y < g.h; y += 2) {
         const int last = y - g.ay + g.H < g.h - 1 ? y - g.ay + g.H : g.h - 1;
-        for (; next <= last; ++next) feed.get(next, static_cast<T*>(g.ptrs[next % R]));
+        for (; next <= last; ++next) ring[next % R] = feed.fetch(next, static_cast<T*>(g.ptrs[next % R]));
         for (int i = 1; i < g.H; ++i) common[i - 1] = rowOf(y - g.ay + i);
         const T* top = rowOf(y - g.ay);
         T* o0 = reinterpret_cast<T*>(rowAt(g.dst, g.dstStep, y));
@@ -797,11 +804,14 @@ void columnRunning(const ColumnArgs& g, const Emit<T, Op>& emit, RowFeed<T, Op>&
     T* top = static_cast<T*>(g.ptrs[H + 1]);
     T* bottom = h == 1 ? top : static_cast<T*>(g.ptrs[H + 2]);
     feed.get(0, top);
-    auto load = [&](long long i, T* slot) {
+    // A row from the feed may live in its ring: the slot pointer moves there
+    // and the slot it left is not used again. Copies of the edge rows only
+    // come before the first ring row or after the last band.
+    auto load = [&](long long i, T*& slot) {
         if (i <= 0) {
             std::memcpy(slot, top, rb);
         } else if (i < h - 1) {
-            feed.get(static_cast<int>(i), slot);
+            slot = feed.fetch(static_cast<int>(i), slot);
         } else if (i == h - 1) {
             feed.get(static_cast<int>(i), bottom);
             std::memcpy(slot, bottom, rb);
