@@ -54,11 +54,18 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
 
     // Row pointers at the first 8-byte boundary, rows from the next 32-byte
     // boundary; the list names the ring twice so a walk needs no modulo.
+    // Where the buffer's slack allows, rows start on 64-byte boundaries and
+    // keep to them, so the widest vectors never split a cache line.
     void** ptrs = reinterpret_cast<void**>((reinterpret_cast<uintptr_t>(buffer) + 7) & ~uintptr_t(7));
-    char* store = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(ptrs + 4 * static_cast<size_t>(H)) + 31) &
-                                          ~uintptr_t(31));
-    const size_t stride = (static_cast<size_t>(w) * channels * B + 31) & ~size_t(31);
+    const uintptr_t listEnd = reinterpret_cast<uintptr_t>(ptrs + 4 * static_cast<size_t>(H));
     const int R = (ci == 3 || ci == 5) ? H + 1 : 2 * H;
+    const size_t ringRow = static_cast<size_t>(w) * channels * B;
+    const uintptr_t end = reinterpret_cast<uintptr_t>(buffer) + static_cast<uint32_t>(minMaxBufferSize(w, B * channels, H));
+    uintptr_t at = (listEnd + 63) & ~uintptr_t(63);
+    size_t stride = (ringRow + 63) & ~size_t(63);
+    if (at + stride * R > end) stride = (ringRow + 31) & ~size_t(31);
+    if (at + stride * R > end) at = (listEnd + 31) & ~uintptr_t(31);
+    char* store = reinterpret_cast<char*>(at);
     for (int i = 0; i < 4 * H; ++i) ptrs[i] = store + stride * static_cast<size_t>(i % R);
 
     k.column[op][isFloat ? 1 : 0][ci](src, srcStep, dst, dstStep, RvpiSize{w, h}, channels, RvpiSize{W, H},
