@@ -12,6 +12,15 @@ namespace rvcv {
 
 const MinMaxKernels& minMaxKernels() { return pick(m7::kMinMax, avx2::kMinMax, avx512::kMinMax); }
 
+char* ringLayout(char* from, const char* end, size_t rowBytes, size_t rows, size_t* stride) {
+    const uintptr_t f = reinterpret_cast<uintptr_t>(from), e = reinterpret_cast<uintptr_t>(end);
+    uintptr_t at = (f + 63) & ~uintptr_t(63);
+    *stride = (rowBytes + 63) & ~size_t(63);
+    if (at + *stride * rows > e) *stride = (rowBytes + 31) & ~size_t(31);
+    if (at + *stride * rows > e) at = (f + 31) & ~uintptr_t(31);
+    return reinterpret_cast<char*>(at);
+}
+
 int minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight) {
     return wadd(wadd(wmul(wmul(2, maskHeight), wadd(wmul(roiWidth, pixelBytes), 32)), 32), wmul(32, maskHeight));
 }
@@ -52,20 +61,14 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
     }
     const int ci = (h >= 2 * H && (H == 1 || H == 3 || H == 5)) ? H : 0;
 
-    // Row pointers at the first 8-byte boundary, rows from the next 32-byte
-    // boundary; the list names the ring twice so a walk needs no modulo.
-    // Where the buffer's slack allows, rows start on 64-byte boundaries and
-    // keep to them, so the widest vectors never split a cache line.
+    // Row pointers at the first 8-byte boundary, then the ring rows; the list
+    // names the ring twice so a walk needs no modulo.
     void** ptrs = reinterpret_cast<void**>((reinterpret_cast<uintptr_t>(buffer) + 7) & ~uintptr_t(7));
-    const uintptr_t listEnd = reinterpret_cast<uintptr_t>(ptrs + 4 * static_cast<size_t>(H));
     const int R = (ci == 3 || ci == 5) ? H + 1 : 2 * H;
-    const size_t ringRow = static_cast<size_t>(w) * channels * B;
-    const uintptr_t end = reinterpret_cast<uintptr_t>(buffer) + static_cast<uint32_t>(minMaxBufferSize(w, B * channels, H));
-    uintptr_t at = (listEnd + 63) & ~uintptr_t(63);
-    size_t stride = (ringRow + 63) & ~size_t(63);
-    if (at + stride * R > end) stride = (ringRow + 31) & ~size_t(31);
-    if (at + stride * R > end) at = (listEnd + 31) & ~uintptr_t(31);
-    char* store = reinterpret_cast<char*>(at);
+    size_t stride = 0;
+    char* store = ringLayout(reinterpret_cast<char*>(ptrs + 4 * static_cast<size_t>(H)),
+                             reinterpret_cast<char*>(buffer) + static_cast<uint32_t>(minMaxBufferSize(w, B * channels, H)),
+                             static_cast<size_t>(w) * channels * B, R, &stride);
     for (int i = 0; i < 4 * H; ++i) ptrs[i] = store + stride * static_cast<size_t>(i % R);
 
     k.column[op][isFloat ? 1 : 0][ci](src, srcStep, dst, dstStep, RvpiSize{w, h}, channels, RvpiSize{W, H},

@@ -5,6 +5,8 @@
 #ifndef RVCV_MINMAX_H
 #define RVCV_MINMAX_H
 
+#include <cstddef>
+
 #include "rvpcv.h"
 
 extern "C" int owncvGetCacheSize(void);
@@ -54,6 +56,11 @@ const MinMaxKernels& minMaxKernels();
 template <class T>
 RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, int dstStep, RvpiSize roi,
                        RvpiSize mask, RvpiPoint anchor, Rvp8u* buffer);
+
+// Ring rows of rowBytes laid out from `from`, ending by `end`: on 64-byte
+// boundaries with a 64-byte multiple stride where the slack allows, so the
+// widest vectors never split a cache line; else on 32-byte boundaries.
+char* ringLayout(char* from, const char* end, size_t rowBytes, size_t rows, size_t* stride);
 
 // 2*H*(roiWidth*P + 32) + 32 + 32*H in wrapping 32-bit arithmetic.
 int minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight);

@@ -337,8 +337,11 @@ void runs(bool dilate, int C, const T* src, int ss, T* dst, int ds, int w, int h
     Rvp8u* work = static_cast<Rvp8u*>(st->pWork);
     MinMaxRowFn* fns = reinterpret_cast<MinMaxRowFn*>(alignUp(work, 8));
     const T** list = reinterpret_cast<const T**>(alignUp(reinterpret_cast<Rvp8u*>(fns + hh), 8));
-    Rvp8u* store = alignUp(reinterpret_cast<Rvp8u*>(list + 4 * static_cast<size_t>(hh)), 32);
-    const size_t stride = (sizeof(T) * C * static_cast<size_t>(w) + 31) & ~size_t(31);
+    size_t stride = 0;
+    Rvp8u* store = reinterpret_cast<Rvp8u*>(
+        ringLayout(reinterpret_cast<char*>(list + 4 * static_cast<size_t>(hh)),
+                   reinterpret_cast<const char*>(st) + static_cast<uint32_t>(st->stateSize),
+                   sizeof(T) * C * static_cast<size_t>(w), static_cast<size_t>(hh) * m, &stride));
     for (int r = 0; r < m; ++r) {
         const int len = sh->pRunLength[r];
         // A run of one pixel is the source row itself: read it in place.
