@@ -1,7 +1,8 @@
 // Accumulation kernels, written once over source type, operation and mask,
 // compiled per instruction set. A row runs 32 (8-bit sources), 16 and 8
 // pixels a step (AVX2) or 4 (SSE), then groups of 4; with AVX-512 the 8-bit
-// forms run 64-pixel blocks and 16-lane blocks with lane masks at both ends.
+// forms run 64-pixel blocks, the unmasked float forms of images up to 12 MiB
+// 32-pixel ones, and 16-lane blocks with lane masks at both ends.
 // All of it is branch-free; only the last width % 4 pixels go one by one.
 // So which pixels take the single-sample path (where a masked-out pixel is
 // left alone, negative zero included) is the same on every instruction set.
@@ -228,8 +229,10 @@ inline void group4(const T* s1, const T* s2, const uint8_t* m, const float* acc,
 #ifdef __AVX512F__
 // ---- Sixteen pixels (AVX-512) -------------------------------------------------
 // 64-byte accumulator accesses pay where the sources are 8-bit, and for
-// unmasked float sources when each accumulator block is read once; 16-bit
-// sources and masked float sources measured faster with the AVX2 row.
+// unmasked float sources when each accumulator block is read once, unless the
+// caller asks for narrow rows: float images streaming from beyond the inner
+// caches measured faster with 32-byte accesses. 16-bit sources and masked
+// float sources measured faster with the AVX2 row.
 template <class T, bool Masked> constexpr bool kWide512 = sizeof(T) == 1 || (sizeof(T) == 4 && !Masked);
 
 // Exact conversions. The zero-masking forms with every lane set are the plain
@@ -359,15 +362,17 @@ inline int groups256(const T* s1, const T* s2, const uint8_t* m, const float* ac
 }
 #endif
 
-// One row; NT: stores bypass the cache (the row is 16-byte aligned).
+// One row; NT: stores bypass the cache (the row is 16-byte aligned). narrow:
+// float rows keep to 32-byte accesses.
 template <class T, int Op, bool Masked, bool NT>
-void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha) {
+void row(const T* s1, const T* s2, const uint8_t* m, const float* acc, float* d, int w, float alpha, bool narrow) {
+    (void)narrow;
     const __m128 alpha4 = broadcast4(alpha);
     int x = 0;
 #if defined(__AVX512F__)
-    if constexpr (kWide512<T, Masked>) {
+    if (kWide512<T, Masked> && !(sizeof(T) == 4 && narrow)) {
         x = w - w % 4;
-        wideRow<T, Op, Masked, NT>(s1, s2, m, acc, d, x, alpha);
+        if constexpr (kWide512<T, Masked>) wideRow<T, Op, Masked, NT>(s1, s2, m, acc, d, x, alpha);
     } else {
         x = groups256<T, Op, Masked, NT>(s1, s2, m, acc, d, w, alpha);
     }
@@ -401,8 +406,8 @@ void accumulate(const AccumArgs& g, int rows, int w) {
         rows = 1;
     }
     for (int y = 0; y < rows; ++y) {
-        if (g.nt && aligned16(d)) row<T, Op, Masked, true>(s1, s2, m, acc, d, w, g.alpha);
-        else row<T, Op, Masked, false>(s1, s2, m, acc, d, w, g.alpha);
+        if (g.nt && aligned16(d)) row<T, Op, Masked, true>(s1, s2, m, acc, d, w, g.alpha, g.narrow);
+        else row<T, Op, Masked, false>(s1, s2, m, acc, d, w, g.alpha, g.narrow);
         s1 = nextRow(s1, g.st1);
         if (Op == kAccProduct) s2 = nextRow(s2, g.st2);
         if (Masked) m = nextRow(m, g.sm);
