@@ -122,13 +122,15 @@ TEST_P(AccumulateAcross, MatchesReference) {
 INSTANTIATE_TEST_SUITE_P(Paths, AccumulateAcross, testing::ValuesIn(pathConfigs()), pathName);
 
 // Runs kernel k twice on one input, the second time with a choice that may
-// change only the speed (nt: bypassing stores, else narrow rows), and expects
-// the same bytes. Widths 93 and 100: rows alone, and (unpadded) one long row.
+// change only the speed (nt: bypassing stores, else the large-image path),
+// and expects the same bytes. Sizes: rows alone (odd and even counts, rows
+// of several chunks), and unpadded multiples of 4 as one long row.
 template <class T>
 void expectSameBits(rvcv::AccumKernel k, bool nt, bool outOfPlace, const std::string& what) {
-    const int h = 3;
-    for (int w : {93, 100})
+    const int sizes[][2] = {{93, 3}, {100, 3}, {1100, 3}, {1101, 4}};
+    for (const auto& size : sizes)
         for (int pad : {0, 4}) {
+            const int w = size[0], h = size[1];
             Image<T> s(w, h, 1, pad), s2(w, h, 1, pad);
             Image<Rvp8u> m(w, h, 1, pad);
             Image<Rvp32f> acc(w, h, 1, pad);
@@ -144,7 +146,7 @@ void expectSameBits(rvcv::AccumKernel k, bool nt, bool outOfPlace, const std::st
                                   a.ptr(), a.step(), d.ptr(), d.step(), 0.5f, nt && on, !nt && on};
                 k(g, h, w);
             }
-            EXPECT_EQ(out[0].bytes(), out[1].bytes()) << what << " " << w << " pad " << pad;
+            EXPECT_EQ(out[0].bytes(), out[1].bytes()) << what << " " << w << "x" << h << " pad " << pad;
             EXPECT_TRUE(out[1].guardsIntact()) << what;
         }
 }
@@ -158,8 +160,8 @@ TEST(AccumulateKernels, SpeedChoicesGiveSameBits) {
             expectSameBits<Rvp8u>(k.k[rvcv::kAccProduct][rvcv::kAcc8u][masked], true, false,
                                   level + " bypassing stores, masked " + std::to_string(masked));
         for (int op : {rvcv::kAccSquare, rvcv::kAccProduct, rvcv::kAccWeighted})
-            expectSameBits<Rvp32f>(k.k[op][rvcv::kAcc32f][0], false, false, level + " narrow rows, op " + std::to_string(op));
-        expectSameBits<Rvp32f>(k.k[rvcv::kAccWeighted][rvcv::kAcc32f][0], false, true, level + " narrow rows, out of place");
+            expectSameBits<Rvp32f>(k.k[op][rvcv::kAcc32f][0], false, false, level + " large, op " + std::to_string(op));
+        expectSameBits<Rvp32f>(k.k[rvcv::kAccWeighted][rvcv::kAcc32f][0], false, true, level + " large, out of place");
     }
 }
 
