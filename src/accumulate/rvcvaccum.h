@@ -9,7 +9,9 @@ namespace rvcv {
 // One band of an accumulation: d = acc + term(s1, s2, acc, alpha) per pixel.
 // The in-place forms pass acc == d; the two-source weighted form reads its
 // accumulator from the second source. Steps are in bytes. nt asks for stores
-// that bypass the cache on rows whose destination is 16-byte aligned.
+// that bypass the cache on rows whose destination is 16-byte aligned; large
+// marks images past the size where float rows without a mask run as two
+// streams, with 32-byte accesses at the 512-bit level (never set with nt).
 struct AccumArgs {
     const void* s1;
     int64_t st1;
@@ -23,6 +25,7 @@ struct AccumArgs {
     int64_t sd;
     float alpha;
     bool nt;
+    bool large;
 };
 using AccumKernel = void (*)(const AccumArgs& a, int rows, int width);
 

@@ -3,6 +3,7 @@
 // NaN in masked-out pixels, every dispatch level and thread counts 1, 2, 3, 8.
 #include <cmath>
 #include <functional>
+#include <string>
 #include <type_traits>
 
 #include "reference/ref_accumulate.h"
@@ -120,29 +121,47 @@ TEST_P(AccumulateAcross, MatchesReference) {
 
 INSTANTIATE_TEST_SUITE_P(Paths, AccumulateAcross, testing::ValuesIn(pathConfigs()), pathName);
 
-TEST(AccumulateKernels, BypassingStoresGiveSameBits) {
-    const int w = 93, h = 3;
+// Runs kernel k twice on one input, the second time with a choice that may
+// change only the speed (nt: bypassing stores, else the large-image path),
+// and expects the same bytes. Sizes: rows alone (odd and even counts, rows
+// of several chunks), and unpadded multiples of 4 as one long row.
+template <class T>
+void expectSameBits(rvcv::AccumKernel k, bool nt, bool outOfPlace, const std::string& what) {
+    const int sizes[][2] = {{93, 3}, {100, 3}, {1100, 3}, {1101, 4}};
+    for (const auto& size : sizes)
+        for (int pad : {0, 4}) {
+            const int w = size[0], h = size[1];
+            Image<T> s(w, h, 1, pad), s2(w, h, 1, pad);
+            Image<Rvp8u> m(w, h, 1, pad);
+            Image<Rvp32f> acc(w, h, 1, pad);
+            s.fill(Random<T>(1));
+            s2.fill(Random<T>(2));
+            m.fill(Random<Rvp8u>(3));
+            acc.fill(Random<Rvp32f>(4));
+            Image<Rvp32f> out[2] = {acc, acc};
+            for (bool on : {false, true}) {
+                Image<Rvp32f>& d = out[on];
+                const Image<Rvp32f>& a = outOfPlace ? acc : d;
+                rvcv::AccumArgs g{s.ptr(), s.step(), s2.ptr(), s2.step(), m.ptr(), m.step(),
+                                  a.ptr(), a.step(), d.ptr(), d.step(), 0.5f, nt && on, !nt && on};
+                k(g, h, w);
+            }
+            EXPECT_EQ(out[0].bytes(), out[1].bytes()) << what << " " << w << "x" << h << " pad " << pad;
+            EXPECT_TRUE(out[1].guardsIntact()) << what;
+        }
+}
+
+TEST(AccumulateKernels, SpeedChoicesGiveSameBits) {
     for (rvcv::Isa isa : isaLevels()) {
         ScopedIsa scoped(isa);
         const rvcv::AccumKernels& k = rvcv::pick(rvcv::m7::kAccum, rvcv::avx2::kAccum, rvcv::avx512::kAccum);
-        for (int pad : {0, 4})
-            for (int masked : {0, 1}) {
-                Image<Rvp8u> s(w, h, 1, pad), s2(w, h, 1, pad), m(w, h, 1, pad);
-                Image<Rvp32f> d1(w, h, 1, pad);
-                s.fill(Random<Rvp8u>(1));
-                s2.fill(Random<Rvp8u>(2));
-                m.fill(Random<Rvp8u>(3));
-                d1.fill(Random<Rvp32f>(4));
-                Image<Rvp32f> d2 = d1;
-                for (bool nt : {false, true}) {
-                    Image<Rvp32f>& d = nt ? d2 : d1;
-                    rvcv::AccumArgs a{s.ptr(), s.step(), s2.ptr(), s2.step(), m.ptr(), m.step(),
-                                      d.ptr(), d.step(), d.ptr(), d.step(), 0.5f, nt};
-                    k.k[rvcv::kAccProduct][rvcv::kAcc8u][masked](a, h, w);
-                }
-                EXPECT_EQ(d1.bytes(), d2.bytes()) << rvcv::isaName(isa) << " masked " << masked;
-                EXPECT_TRUE(d2.guardsIntact());
-            }
+        const std::string level = rvcv::isaName(isa);
+        for (int masked : {0, 1})
+            expectSameBits<Rvp8u>(k.k[rvcv::kAccProduct][rvcv::kAcc8u][masked], true, false,
+                                  level + " bypassing stores, masked " + std::to_string(masked));
+        for (int op : {rvcv::kAccSquare, rvcv::kAccProduct, rvcv::kAccWeighted})
+            expectSameBits<Rvp32f>(k.k[op][rvcv::kAcc32f][0], false, false, level + " large, op " + std::to_string(op));
+        expectSameBits<Rvp32f>(k.k[rvcv::kAccWeighted][rvcv::kAcc32f][0], false, true, level + " large, out of place");
     }
 }
 
