@@ -678,7 +678,7 @@ public:
         // A band of few real rows would mostly reduce copies of the last.
         if (!g.exact || g.C != 1 || g.W < bandMinWidth<T>() || g.w < E || g.h < R / 4) return;
         stride_ = (sizeof(T) * static_cast<size_t>(g.w) + 63) & ~size_t(63);
-        cap_ = (2 * g.H + 1 + R + R - 1) / R * R;
+        cap_ = g.H == 1 ? R : (2 * g.H + 1 + R + R - 1) / R * R;  // one-row masks write straight out
         const size_t bytes = stride_ * static_cast<size_t>(cap_) + bandWorkBytes(E, g.W);
         if (bytes > static_cast<size_t>(std::numeric_limits<int>::max() - 64)) return;
         heap_ = rvpMalloc(static_cast<int>(bytes) + 32);
