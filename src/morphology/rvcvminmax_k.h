@@ -58,28 +58,20 @@ template <class V, class H, class F> inline V byHalves(V a, V b, F op) {
     std::memcpy(&r, x, sizeof r);
     return r;
 }
-struct OpMin {
-    template <class X> static X f(X a, X b) { return a < b ? a : b; }
-    static KVec<float> f(KVec<float> a, KVec<float> b) {
-        return byHalves<KVec<float>, __m128>(a, b, [](__m128 x, __m128 y) { return _mm_min_ps(x, y); });
+template <bool IsMax> struct OpSse {
+    template <class X> static X f(X a, X b) {
+        if constexpr (IsMax) return a > b ? a : b;
+        else return a < b ? a : b;
     }
-    static KVec<double> f(KVec<double> a, KVec<double> b) {
-        return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_min_pd(x, y); });
-    }
+    static __m128 ps(__m128 x, __m128 y) { return IsMax ? _mm_max_ps(x, y) : _mm_min_ps(x, y); }
+    static __m128d pd(__m128d x, __m128d y) { return IsMax ? _mm_max_pd(x, y) : _mm_min_pd(x, y); }
+    static KVec<float> f(KVec<float> a, KVec<float> b) { return byHalves<KVec<float>, __m128>(a, b, ps); }
+    static KVec<double> f(KVec<double> a, KVec<double> b) { return byHalves<KVec<double>, __m128d>(a, b, pd); }
     typedef float F4 __attribute__((vector_size(16)));
-    static F4 f(F4 a, F4 b) { return bitcast<F4>(_mm_min_ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
+    static F4 f(F4 a, F4 b) { return bitcast<F4>(ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
 };
-struct OpMax {
-    template <class X> static X f(X a, X b) { return a > b ? a : b; }
-    static KVec<float> f(KVec<float> a, KVec<float> b) {
-        return byHalves<KVec<float>, __m128>(a, b, [](__m128 x, __m128 y) { return _mm_max_ps(x, y); });
-    }
-    static KVec<double> f(KVec<double> a, KVec<double> b) {
-        return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return _mm_max_pd(x, y); });
-    }
-    typedef float F4 __attribute__((vector_size(16)));
-    static F4 f(F4 a, F4 b) { return bitcast<F4>(_mm_max_ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
-};
+using OpMin = OpSse<false>;
+using OpMax = OpSse<true>;
 #endif
 
 // Extremum of N values as a balanced tree, so independent comparisons can
