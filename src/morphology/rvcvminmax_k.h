@@ -65,8 +65,12 @@ template <bool IsMax> struct OpSse {
     }
     static __m128 ps(__m128 x, __m128 y) { return IsMax ? _mm_max_ps(x, y) : _mm_min_ps(x, y); }
     static __m128d pd(__m128d x, __m128d y) { return IsMax ? _mm_max_pd(x, y) : _mm_min_pd(x, y); }
-    static KVec<float> f(KVec<float> a, KVec<float> b) { return byHalves<KVec<float>, __m128>(a, b, ps); }
-    static KVec<double> f(KVec<double> a, KVec<double> b) { return byHalves<KVec<double>, __m128d>(a, b, pd); }
+    static KVec<float> f(KVec<float> a, KVec<float> b) {
+        return byHalves<KVec<float>, __m128>(a, b, [](__m128 x, __m128 y) { return ps(x, y); });
+    }
+    static KVec<double> f(KVec<double> a, KVec<double> b) {
+        return byHalves<KVec<double>, __m128d>(a, b, [](__m128d x, __m128d y) { return pd(x, y); });
+    }
     typedef float F4 __attribute__((vector_size(16)));
     static F4 f(F4 a, F4 b) { return bitcast<F4>(ps(bitcast<__m128>(a), bitcast<__m128>(b))); }
 };
