@@ -12,6 +12,9 @@ from collections import defaultdict
 def main(path):
     with open(path) as f:
         data = json.load(f)
+    ctx = data.get("context", {})
+    print(f"kernels: {ctx.get('rvpcv_kernels', '?')} (processor: {ctx.get('rvpcv_processor', '?')}), "
+          f"{ctx.get('num_cpus', '?')} cpus\n")
     times = defaultdict(dict)
     seen = {}
     for b in data["benchmarks"]:

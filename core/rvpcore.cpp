@@ -9,6 +9,7 @@
 #include <cpuid.h>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <sched.h>
 #include <unistd.h>
 
@@ -99,10 +100,29 @@ Rvp64u detectFeatures(Rvp32u regs[4]) {
     return m;
 }
 
+// Features at or below the level RVPCV_ISA names; all of them when the
+// variable is unset or names no level.
+Rvp64u capFromEnvironment() {
+    const Rvp64u all = ~Rvp64u(0);
+    const Rvp64u avx512 = rvpCpuFeature_AVX512F | rvpCpuFeature_AVX512BW | rvpCpuFeature_AVX512DQ |
+                          rvpCpuFeature_AVX512VL;
+    const Rvp64u aboveSse3 = rvpCpuFeature_SSSE3 | rvpCpuFeature_SSE41 | rvpCpuFeature_SSE42 | rvpCpuFeature_AVX |
+                             rvpCpuFeature_AVX2 | rvpCpuFeature_FMA | rvpCpuFeature_POPCNT | avx512;
+    const char* v = std::getenv("RVPCV_ISA");
+    if (!v) return all;
+    if (std::strcmp(v, "sse3") == 0) return ~aboveSse3;
+    if (std::strcmp(v, "avx2") == 0) return ~avx512;
+    return all;  // "avx512" caps nothing this library knows of
+}
+
 struct Cpu {
     Rvp64u detected = 0;
+    Rvp64u cap = 0;
     Rvp32u regs[4] = {0, 0, 0, 0};
-    Cpu() { detected = detectFeatures(regs); }
+    Cpu() {
+        detected = detectFeatures(regs);
+        cap = capFromEnvironment();
+    }
 };
 
 const Cpu& cpu() {
@@ -166,7 +186,8 @@ RvpStatus rvpGetCpuFeatures(Rvp64u* pFeaturesMask, Rvp32u* pCpuidInfoRegs) {
 }
 
 Rvp64u rvpGetEnabledCpuFeatures(void) {
-    return cpu().detected & ~g_disabled.load(std::memory_order_relaxed);
+    const Cpu& c = cpu();
+    return c.detected & c.cap & ~g_disabled.load(std::memory_order_relaxed);
 }
 
 RvpStatus rvpSetCpuFeatures(Rvp64u mask) {

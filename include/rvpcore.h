@@ -54,11 +54,31 @@ RVPCOREAPI void      rvpFree(void* ptr);
  * *pFeaturesMask and, when pCpuidInfoRegs is not null, the four registers of
  * CPUID leaf 1. A null mask pointer still detects and gives rvpStsNullPtrErr. */
 RVPCOREAPI RvpStatus rvpGetCpuFeatures(Rvp64u* pFeaturesMask, Rvp32u* pCpuidInfoRegs);
-/* Detected features, less those disabled with rvpSetCpuFeatures. */
+/* Detected features, less those disabled with rvpSetCpuFeatures and those
+ * above the cap named by the environment variable RVPCV_ISA. */
 RVPCOREAPI Rvp64u    rvpGetEnabledCpuFeatures(void);
 /* Restricts the enabled features to mask & detected. rvpCV reads the enabled
  * set once, when it is loaded. */
 RVPCOREAPI RvpStatus rvpSetCpuFeatures(Rvp64u mask);
+
+/* Dispatch levels. rvpCV runs one kernel level, chosen when it is loaded from
+ * the enabled features: "avx512" when AVX-512 F, BW, DQ and VL are all
+ * enabled, else "avx2" when AVX2 is, else the SSE3 baseline "sse3"; every
+ * level gives the same results.
+ * RVPCV_ISA=sse3|avx2|avx512 in the environment caps the enabled features
+ * at that level (read once, at the first detection): a cap above what the
+ * processor has, and any other value, change nothing. */
+#define rvpCpuFeatures_AVX512Set \
+    (rvpCpuFeature_AVX2 | rvpCpuFeature_AVX512F | rvpCpuFeature_AVX512BW | rvpCpuFeature_AVX512DQ | \
+     rvpCpuFeature_AVX512VL)
+/* The level rvpCV runs for an enabled feature set: 0 sse3, 1 avx2, 2 avx512. */
+static inline int rvpDispatchLevel(Rvp64u enabled) {
+    if ((enabled & rvpCpuFeatures_AVX512Set) == rvpCpuFeatures_AVX512Set) return 2;
+    return (enabled & rvpCpuFeature_AVX2) ? 1 : 0;
+}
+static inline const char* rvpDispatchLevelName(int level) {
+    return level == 2 ? "avx512" : level == 1 ? "avx2" : "sse3";
+}
 
 #ifdef __cplusplus
 }

@@ -2,7 +2,7 @@
 # Installs what building and testing need, when it is missing (Debian).
 set -eu
 need=""
-for p in cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev binutils; do
+for p in cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev binutils qemu-user; do
   dpkg -s "$p" >/dev/null 2>&1 || need="$need $p"
 done
 [ -z "$need" ] && exit 0

@@ -13,13 +13,8 @@ namespace {
 int g_isa = 0;            // set at load; changed only by the test hook
 bool g_loaded = false;
 
-Isa bestIsa() {
-    const Rvp64u f = rvpGetEnabledCpuFeatures();
-    const Rvp64u wide = rvpCpuFeature_AVX2 | rvpCpuFeature_AVX512F | rvpCpuFeature_AVX512BW |
-                        rvpCpuFeature_AVX512DQ | rvpCpuFeature_AVX512VL;
-    if ((f & wide) == wide) return Isa::Avx512;
-    return (f & rvpCpuFeature_AVX2) ? Isa::Avx2 : Isa::M7;
-}
+// The enabled set already carries the RVPCV_ISA cap and rvpSetCpuFeatures.
+Isa bestIsa() { return static_cast<Isa>(rvpDispatchLevel(rvpGetEnabledCpuFeatures())); }
 }  // namespace
 
 Isa activeIsa() { return static_cast<Isa>(g_isa); }

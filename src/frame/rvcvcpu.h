@@ -6,7 +6,8 @@
 
 namespace rvcv {
 
-// M7: the SSE3 baseline; Avx512 means F, BW, DQ and VL together.
+// M7: the SSE3 baseline; Avx512 means F, BW, DQ and VL together. Numbered
+// as rvpDispatchLevel (rvpcore.h) numbers the level for an enabled feature set.
 enum class Isa : int { M7 = 0, Avx2 = 1, Avx512 = 2 };
 
 Isa activeIsa();

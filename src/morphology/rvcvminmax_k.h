@@ -944,7 +944,7 @@ void direct(const void* topLeft, int step, void* dv, int width, const void* cell
 
 // ---- Tables ----------------------------------------------------------------------
 template <class T, class Op, int C>
-void fillRows(MinMaxRowFn* plain, MinMaxRowFn* small) {
+constexpr void fillRows(MinMaxRowFn* plain, MinMaxRowFn* small) {
     MinMaxRowFn vh = rowVH<T, Op, C>;
     const MinMaxRowFn p[16] = {vh, rowFixed<T, Op, C, 1>, rowFixed<T, Op, C, 2>, rowFixed<T, Op, C, 3>,
                                rowFixed<T, Op, C, 4>, rowFixed<T, Op, C, 5>, rowFixed<T, Op, C, 6>,
@@ -958,14 +958,14 @@ void fillRows(MinMaxRowFn* plain, MinMaxRowFn* small) {
 }
 
 template <class T, class Op>
-void fillColumns(MinMaxColumnFn* c) {
+constexpr void fillColumns(MinMaxColumnFn* c) {
     MinMaxColumnFn vh = column<T, Op, 0>;
     const MinMaxColumnFn t[8] = {vh, column<T, Op, 1>, vh, column<T, Op, 3>, vh, column<T, Op, 5>, vh, vh};
     for (int i = 0; i < 8; ++i) c[i] = t[i];
 }
 
 template <class Op, int O>
-void fillOp(MinMaxKernels& k) {
+constexpr void fillOp(MinMaxKernels& k) {
     fillRows<uint8_t, Op, 1>(k.row[O][0], nullptr);
     fillRows<uint8_t, Op, 3>(k.row[O][1], nullptr);
     fillRows<uint8_t, Op, 4>(k.row[O][2], k.rowSmall[O][0]);
@@ -989,7 +989,7 @@ void fillOp(MinMaxKernels& k) {
 }
 
 template <bool D>
-void fillDirect(MorphDirectFn* t) {
+constexpr void fillDirect(MorphDirectFn* t) {
     t[0] = direct<uint8_t, 1, D>;
     t[1] = direct<uint8_t, 3, D>;
     t[2] = direct<uint8_t, 4, D>;
@@ -998,7 +998,7 @@ void fillDirect(MorphDirectFn* t) {
     t[5] = direct<float, 4, D>;
 }
 
-MinMaxKernels build() {
+constexpr MinMaxKernels build() {
     MinMaxKernels k{};
     fillOp<OpMin, kOpMin>(k);
     fillOp<OpMax, kOpMax>(k);
@@ -1009,7 +1009,9 @@ MinMaxKernels build() {
 
 }  // namespace
 
-extern const MinMaxKernels kMinMax = build();
+// Constant-initialised: a table filled at load would run this unit's wider
+// instructions before the processor check.
+extern constexpr MinMaxKernels kMinMax = build();
 
 }  // namespace RVCV_ISA_NS
 }  // namespace rvcv

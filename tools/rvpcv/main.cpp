@@ -93,7 +93,8 @@ int runDemo(const Args& args) {
     const RvpLibraryVersion* v = rvpcvGetLibVersion();
     int threads = 0;
     rvpGetNumThreads(&threads);
-    std::printf("%s %s, %d threads, sample scene 640x480 -> %s/\n", v->name, v->version, threads, ctx.outDir.c_str());
+    std::printf("%s %s, %s kernels, %d threads, sample scene 640x480 -> %s/\n", v->name, v->version,
+                rvpDispatchLevelName(rvpDispatchLevel(rvpGetEnabledCpuFeatures())), threads, ctx.outDir.c_str());
     std::vector<DemoStep> steps = demoSteps();
     std::stable_sort(steps.begin(), steps.end(), [](const DemoStep& a, const DemoStep& b) { return a.order < b.order; });
     int failed = 0;
@@ -129,6 +130,11 @@ int main(int argc, char** argv) {
         const RvpLibraryVersion* v = rvpcvGetLibVersion();
         std::printf("%s %s (%d.%d.%d.%d, built %s)\n", v->name, v->version, v->major, v->minor, v->majorBuild,
                     v->build, v->buildDate);
+        // The level the library chose at load; RVPCV_ISA may hold it below the processor's.
+        Rvp64u detected = 0;
+        rvpGetCpuFeatures(&detected, nullptr);
+        std::printf("kernels: %s (processor: %s)\n", rvpDispatchLevelName(rvpDispatchLevel(rvpGetEnabledCpuFeatures())),
+                    rvpDispatchLevelName(rvpDispatchLevel(detected)));
         return 0;
     }
     const std::string name = args[0];
