@@ -155,9 +155,14 @@ RvpStatus rvpGetNumThreads(int* pNumThreads) {
     return rvpStsNoErr;
 }
 
+// Read once: the query reads a system file (about 6 us), and threaded calls
+// ask for it every time.
 int rvpGetNumCoresOnDie(void) {
-    long n = sysconf(_SC_NPROCESSORS_ONLN);
-    return n > 0 ? static_cast<int>(n) : 1;
+    static const int cores = [] {
+        const long n = sysconf(_SC_NPROCESSORS_ONLN);
+        return n > 0 ? static_cast<int>(n) : 1;
+    }();
+    return cores;
 }
 
 RvpStatus rvpGetMaxCacheSizeB(int* pSizeByte) {
