@@ -720,6 +720,126 @@ RVPAPI RvpStatus rvpiApplyMixedHaarClassifier_32s_C1RSfs(const Rvp32s* pSrc, int
                                                          Rvp32s threshold, RvpiHaarClassifier_32s* pState,
                                                          int scaleFactor);
 
+/* ---- Lens undistortion ------------------------------------------------- */
+/* Two-coefficient radial model, all in single precision. With a = 1/(fx*fx),
+ * b = 1/(fy*fy), for the destination pixel (x, y):
+ *   dy = y - cy, yy = b*dy*dy, A = 2*k2*yy, B = (k2*yy + k1)*yy   (per row)
+ *   dx = x - cx, xx = a*dx*dx
+ *   m = (k2*xx + k1)*xx + A*xx + B        (k1 r^2 + k2 r^4, r^2 = xx + yy)
+ *   u = dx*m + x, v = dy*m + y
+ * each expression evaluated left to right as written. The pixel is written
+ * only when 0 <= u < W - 1 and 0 <= v < H - 1 (NaN fails); otherwise, and
+ * always in the last column and row, the destination keeps what it held, so
+ * clear it first. With iu, iv the truncated coordinates, fu = u - iu,
+ * fv = v - iv and s00, s10, s01, s11 the samples at (iu, iv), (iu+1, iv),
+ * (iu, iv+1), (iu+1, iv+1):
+ *   t11 = s11*fv*fu, t01 = s01*(1-fu)*fv, t10 = s10*fu*(1-fv),
+ *   t00 = s00*(1-fv)*(1-fu)
+ *   32f: ((t11 + t01) + t10) + t00
+ *   8u, 16u: ((t11 + t01) + (t10 + t00)) + 0.5, truncated (a convex mix: no
+ *            saturation needed).
+ * C3 forms share one (u, v) and one set of weights over the three channels.
+ * pBuffer (may be null) holds column terms computed once per call; the
+ * results are the same with and without it. Everything runs on the calling
+ * thread. */
+
+/* Bytes of the optional buffer: ((W + 3) & ~3) * 24 + 32. Statuses: NullPtr,
+ * Size (also when the size does not fit an int). */
+RVPAPI RvpStatus rvpiUndistortGetSize(RvpiSize roiSize, int* pBufSize);
+/* Statuses: NullPtr (pSrc, pDst), Size (also a width whose buffer size would
+ * not fit an int, when pBuffer is given), Step (below the row's bytes),
+ * NotEvenStep (16u, 32f: a step not a multiple of the sample size), BadArg
+ * (fx or fy is 0). */
+RVPAPI RvpStatus rvpiUndistortRadial_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                            Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiUndistortRadial_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                            Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiUndistortRadial_16u_C1R(const Rvp16u* pSrc, int srcStep, Rvp16u* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                             Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiUndistortRadial_16u_C3R(const Rvp16u* pSrc, int srcStep, Rvp16u* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                             Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiUndistortRadial_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                             Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiUndistortRadial_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx, Rvp32f cy,
+                                             Rvp32f k1, Rvp32f k2, Rvp8u* pBuffer);
+/* Source coordinates of every destination pixel, for a remap step. When p1
+ * or p2 is not zero (a NaN counts as not zero), with ifx = 1/fx, ify = 1/fy,
+ * Fx = fx*p2, Fy = fy*p1:
+ *   yn = (y - cy)*ify, yy = yn*yn, T = yn*(2*p1)                  (per row)
+ *   dx = x - cx, xn = dx*ifx, r2 = xn*xn + yy
+ *   m = (k2*r2 + k1)*r2 + xn*(2*p2) + T
+ *   pxMap = m*dx + (Fx*r2 + x), pyMap = m*dy + r2*Fy + y
+ * Otherwise pxMap = u and pyMap = v of the radial model above, bit for bit.
+ * Statuses: NullPtr, Size, Step (below 4 * W), NotEvenStep, BadArg (fx or fy
+ * is 0). */
+RVPAPI RvpStatus rvpiCreateMapCameraUndistort_32f_C1R(Rvp32f* pxMap, int xStep, Rvp32f* pyMap, int yStep,
+                                                      RvpiSize roiSize, Rvp32f fx, Rvp32f fy, Rvp32f cx,
+                                                      Rvp32f cy, Rvp32f k1, Rvp32f k2, Rvp32f p1, Rvp32f p2,
+                                                      Rvp8u* pBuffer);
+
+/* ---- Super-resolution gradient ----------------------------------------- */
+/* A high-resolution float image is observed through a point spread function
+ * with one coefficient table entry per sub-pixel phase. A sample list is
+ * three parallel arrays: pOffsets, the element offset of the sample's
+ * top-left tap in the image; pPhases, its table entry; the samples or
+ * residuals. With s = step / 4 the taps of a 2x2 entry c00 c01 c10 c11 are
+ * h[o], h[o+1], h[o+s], h[o+s+1]; a 3x3 entry has nine, row by row.
+ * Offsets are the caller's to keep inside the image (the functions know no
+ * image size); a phase at or beyond the table's size is refused with
+ * OutOfRange before anything is written. Everything runs on the calling
+ * thread. */
+typedef struct RvpiSRHNSpec_PSF2x2 RvpiSRHNSpec_PSF2x2;
+typedef struct RvpiSRHNSpec_PSF3x3 RvpiSRHNSpec_PSF3x3;
+
+/* Makes a state holding a copy of pcTable: tableSize entries of four floats
+ * (2x2) or nine floats (3x3, row by row). Release it with the matching Free.
+ * Statuses: NullPtr, Size (tableSize < 1, or a table whose bytes do not fit
+ * an int), MemAlloc. */
+RVPAPI RvpStatus rvpiSRHNInitAlloc_PSF2x2(RvpiSRHNSpec_PSF2x2** ppPSF, const Rvp32f* pcTable, int tableSize);
+RVPAPI RvpStatus rvpiSRHNInitAlloc_PSF3x3(RvpiSRHNSpec_PSF3x3** ppPSF, const Rvp32f* pcTable, int tableSize);
+/* Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiSRHNFree_PSF2x2(RvpiSRHNSpec_PSF2x2* pPSF);
+RVPAPI RvpStatus rvpiSRHNFree_PSF3x3(RvpiSRHNSpec_PSF3x3* pPSF);
+/* pResidual[i] = (sum of tap * coefficient, left to right) - pLowRes[i], in
+ * float, for i from 0 to length - 1. Statuses: NullPtr, Size (length < 1),
+ * Step (hiResStep, as an unsigned 64-bit value after sign extension, not
+ * above 7 (2x2) or 11 (3x3), or not a multiple of 4), OutOfRange (a phase
+ * outside the table). */
+RVPAPI RvpStatus rvpiSRHNCalcResidual_PSF2x2_8u32f_C1R(const Rvp32f* pHiRes, int hiResStep, const Rvp8u* pLowRes,
+                                                       const Rvp32s* pOffsets, const Rvp16u* pPhases,
+                                                       Rvp32f* pResidual, int length,
+                                                       const RvpiSRHNSpec_PSF2x2* pPSF);
+RVPAPI RvpStatus rvpiSRHNCalcResidual_PSF2x2_16u32f_C1R(const Rvp32f* pHiRes, int hiResStep,
+                                                        const Rvp16u* pLowRes, const Rvp32s* pOffsets,
+                                                        const Rvp16u* pPhases, Rvp32f* pResidual, int length,
+                                                        const RvpiSRHNSpec_PSF2x2* pPSF);
+RVPAPI RvpStatus rvpiSRHNCalcResidual_PSF3x3_8u32f_C1R(const Rvp32f* pHiRes, int hiResStep, const Rvp8u* pLowRes,
+                                                       const Rvp32s* pOffsets, const Rvp16u* pPhases,
+                                                       Rvp32f* pResidual, int length,
+                                                       const RvpiSRHNSpec_PSF3x3* pPSF);
+RVPAPI RvpStatus rvpiSRHNCalcResidual_PSF3x3_16u32f_C1R(const Rvp32f* pHiRes, int hiResStep,
+                                                        const Rvp16u* pLowRes, const Rvp32s* pOffsets,
+                                                        const Rvp16u* pPhases, Rvp32f* pResidual, int length,
+                                                        const RvpiSRHNSpec_PSF3x3* pPSF);
+/* For each i in ascending order: f = pWeights[pWeightIndex[i]] * pResidual[i],
+ * then g[tap] = coefficient * f + g[tap] for every tap of the entry, in
+ * place (samples sharing taps add in order of i). Statuses: NullPtr, Size,
+ * Step and OutOfRange as for the residual. */
+RVPAPI RvpStatus rvpiSRHNUpdateGradient_PSF2x2_32f_C1R(Rvp32f* pGrad, int gradStep, const Rvp32s* pOffsets,
+                                                       const Rvp16u* pPhases, const Rvp32f* pResidual,
+                                                       const Rvp8u* pWeightIndex, int length,
+                                                       const Rvp32f* pWeights, const RvpiSRHNSpec_PSF2x2* pPSF);
+RVPAPI RvpStatus rvpiSRHNUpdateGradient_PSF3x3_32f_C1R(Rvp32f* pGrad, int gradStep, const Rvp32s* pOffsets,
+                                                       const Rvp16u* pPhases, const Rvp32f* pResidual,
+                                                       const Rvp8u* pWeightIndex, int length,
+                                                       const Rvp32f* pWeights, const RvpiSRHNSpec_PSF3x3* pPSF);
+
 #ifdef __cplusplus
 }
 #endif
