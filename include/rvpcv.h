@@ -840,6 +840,115 @@ RVPAPI RvpStatus rvpiSRHNUpdateGradient_PSF3x3_32f_C1R(Rvp32f* pGrad, int gradSt
                                                        const Rvp8u* pWeightIndex, int length,
                                                        const Rvp32f* pWeights, const RvpiSRHNSpec_PSF3x3* pPSF);
 
+/* ---- Foreground models ------------------------------------------------- */
+/* Per-pixel background models of 8-bit gray (C1) or colour (C3) video. Each
+ * model is an opaque state made from the first frame (pModel must not be
+ * null; its contents are not read) and released with its Free function; a
+ * state serves one call at a time. Statuses of the InitAlloc functions, in
+ * order: NullPtr (pSrc, pModel, ppState), Size, Step (srcStep below the row's
+ * bytes), MemAlloc (nothing is left allocated), Size also when the model's
+ * memory would not fit an int. Free: NullPtr. */
+typedef struct RvpiFGGaussianState RvpiFGGaussianState;
+typedef struct RvpiFGHistogramState RvpiFGHistogramState;
+
+/* Mixture of five Gaussians per pixel, in double precision, with fixed
+ * defaults: history 200 frames, background share 0.7, match within 2.5
+ * standard deviations, replacement variance 900. Creation: Gaussian 0 of
+ * each pixel has count 1, weight 1, variance 12.5 and the pixel's value as
+ * mean; the others count 0, weight 0, variance 12.5, mean 0. Each call counts
+ * the frame (frameCount + 1, never capped), then for each pixel of value I:
+ *  1. Match: the first Gaussian in stored order with
+ *     (mean - I)^2 < variance * 2.5 * 2.5 matches (match = 1; others 0).
+ *  2. On the frame whose number equals the history (200), with a = 1/200:
+ *     weight += (match - weight) * a for each Gaussian; the matched one then
+ *     takes rho = match / (200 * weight), d = I - mean, mean += d * rho,
+ *     variance += rho * (d * d - variance).
+ *  3. On every other frame, with n the sum of the counts: count += match,
+ *     weight += (match - weight) * (1 / (n + 1)) for each Gaussian; the
+ *     matched one (count > 0) takes rho = 1 / count and the same mean and
+ *     variance update.
+ *  In 2 and 3, when nothing matched, the last Gaussian is replaced: count 1,
+ *  weight 1 / (sum of the counts), variance 900, mean I, and the other
+ *  weights are multiplied by 1 - 1/200.
+ *  4. Rank: key = weight / sqrt(variance) for Gaussians with count >= 1,
+ *     else 0; a stable sort by descending key (equal keys keep their order).
+ *  5. Background = (int)(mean of the first ranked Gaussian + 0.5). The mask
+ *     starts at 255; walking the ranked Gaussians, their weights are summed;
+ *     at rank r the mask becomes 0 if the Gaussian that stood at place r
+ *     BEFORE the ranking had matched; the walk stops once the sum exceeds
+ *     0.7. All arithmetic is double precision, in the order written.
+ * C3: one count and one weight per Gaussian, a mean and a variance per
+ * channel. A Gaussian matches when all three channels pass the test of 1;
+ * each channel's mean and variance are updated with the shared rho; the key
+ * is weight / sqrt(variance0 + variance1 + variance2); the background is
+ * written per channel. The mask has one channel either way.
+ * Results do not depend on the thread count. */
+RVPAPI RvpStatus rvpiForegroundGaussianInitAlloc_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                        const void* pModel, RvpiFGGaussianState** ppState);
+RVPAPI RvpStatus rvpiForegroundGaussianInitAlloc_8u_C3R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                        const void* pModel, RvpiFGGaussianState** ppState);
+/* Updates the model with a frame; pRef receives the background (C1: one
+ * channel, C3: three), pDst the mask (0 background, 255 foreground, one
+ * channel). roiSize must equal the state's size (otherwise Size). Statuses:
+ * NullPtr (pSrc, pRef, pDst, pState), Size, Step (srcStep below the row's
+ * bytes; refStep and dstStep are the caller's to size). */
+RVPAPI RvpStatus rvpiForegroundGaussian_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pRef, int refStep, Rvp8u* pDst,
+                                               int dstStep, RvpiSize roiSize, RvpiFGGaussianState* pState);
+RVPAPI RvpStatus rvpiForegroundGaussian_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pRef, int refStep, Rvp8u* pDst,
+                                               int dstStep, RvpiSize roiSize, RvpiFGGaussianState* pState);
+RVPAPI RvpStatus rvpiForegroundGaussianFree_8u_C1R(RvpiFGGaussianState* pState);
+RVPAPI RvpStatus rvpiForegroundGaussianFree_8u_C3R(RvpiFGGaussianState* pState);
+
+/* Two weighted colour histograms per pixel: a fine one (bins of 4 levels per
+ * channel, at most 25 bins) and a coarse one (bins of 8 levels, at most 40
+ * bins). The first frame gives its bins weight 1. Classification: a pixel is
+ * background when its coarse bin, or the coarse bins within one bin of it
+ * in every channel, hold at least 0.1 of the weight, or its fine bin holds
+ * at least 0.1; otherwise it is foreground (255). The update fades every
+ * weight by (1 - rate), adds rate to the pixel's bins, and when a bin is not
+ * in a full table gives the lightest bin's place to it (ties: the later
+ * place). Weights are single precision; bins are kept in first-seen order. */
+RVPAPI RvpStatus rvpiForegroundHistogramInitAlloc_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                         const void* pModel, RvpiFGHistogramState** ppState);
+RVPAPI RvpStatus rvpiForegroundHistogramInitAlloc_8u_C3R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                         const void* pModel, RvpiFGHistogramState** ppState);
+/* Classifies a frame into pDst (0 background, 255 foreground); the model is
+ * not changed. Statuses: NullPtr (pSrc, pDst, pState), Size (also a size
+ * other than the state's), Step (srcStep or dstStep below the row's bytes). */
+RVPAPI RvpStatus rvpiForegroundHistogram_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, RvpiFGHistogramState* pState);
+RVPAPI RvpStatus rvpiForegroundHistogram_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, RvpiFGHistogramState* pState);
+/* Adapts the model to a frame with learning rate `rate` (0 < rate <= 1; a
+ * negative rate takes the default 0.005). Statuses: NullPtr (pSrc, pState),
+ * Size (also a size other than the state's), Step, BadArg (rate 0, NaN or
+ * above 1). */
+RVPAPI RvpStatus rvpiForegroundHistogramUpdate_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                      RvpiFGHistogramState* pState, Rvp32f rate);
+RVPAPI RvpStatus rvpiForegroundHistogramUpdate_8u_C3R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize,
+                                                      RvpiFGHistogramState* pState, Rvp32f rate);
+RVPAPI RvpStatus rvpiForegroundHistogramFree_8u_C1R(RvpiFGHistogramState* pState);
+RVPAPI RvpStatus rvpiForegroundHistogramFree_8u_C3R(RvpiFGHistogramState* pState);
+
+/* ---- Motion history ------------------------------------------------------ */
+/* With limit = timeStamp - motionDuration (one single-precision
+ * subtraction), each history value h becomes timeStamp where the silhouette
+ * is not zero, stays where it is zero and limit <= h, and becomes 0 where it
+ * is zero and limit > h (a NaN history is cleared). In the 32f form the test
+ * against zero is a float one: -0 is zero, NaN is not. Runs on the calling
+ * thread. Statuses: NullPtr, Size, Step (silhouette row's bytes, 4 * width
+ * for the history), NotEvenStep (16u, 32f silhouette; history step not a
+ * multiple of 4), OutOfRange (motionDuration < 0; NaN passes). */
+RVPAPI RvpStatus rvpiUpdateMotionHistory_8u32f_C1IR(const Rvp8u* pSilhouette, int silhouetteStep,
+                                                    Rvp32f* pMotionHistory, int motionHistoryStep, RvpiSize roiSize,
+                                                    Rvp32f timeStamp, Rvp32f motionDuration);
+RVPAPI RvpStatus rvpiUpdateMotionHistory_16u32f_C1IR(const Rvp16u* pSilhouette, int silhouetteStep,
+                                                     Rvp32f* pMotionHistory, int motionHistoryStep, RvpiSize roiSize,
+                                                     Rvp32f timeStamp, Rvp32f motionDuration);
+RVPAPI RvpStatus rvpiUpdateMotionHistory_32f_C1IR(const Rvp32f* pSilhouette, int silhouetteStep,
+                                                  Rvp32f* pMotionHistory, int motionHistoryStep, RvpiSize roiSize,
+                                                  Rvp32f timeStamp, Rvp32f motionDuration);
+
 #ifdef __cplusplus
 }
 #endif
