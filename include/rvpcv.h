@@ -949,6 +949,78 @@ RVPAPI RvpStatus rvpiUpdateMotionHistory_32f_C1IR(const Rvp32f* pSilhouette, int
                                                   Rvp32f* pMotionHistory, int motionHistoryStep, RvpiSize roiSize,
                                                   Rvp32f timeStamp, Rvp32f motionDuration);
 
+/* ---- Segment boundaries ------------------------------------------------ */
+/* Draws boundaries into a label image in place, in scan order (rows from
+ * the top, pixels from the left; a test reads what earlier tests wrote).
+ * norm 1, or a one-column image: row 0 sets p[x + 1] = val where p[x] is not
+ * val and differs from p[x + 1]; in later rows a pixel becomes val when its
+ * left or upper neighbour is not val and differs from it. norm 0 adds the
+ * upper-left and upper-right neighbours to that test. So the boundary lies
+ * on the right and lower side of a change. Runs on the calling thread.
+ * Statuses: NullPtr, Size, Step, NotEvenStep (16u odd step), BadArg (norm). */
+RVPAPI RvpStatus rvpiBoundSegments_8u_C1IR(Rvp8u* pMarker, int markerStep, RvpiSize roiSize, Rvp8u val, int norm);
+RVPAPI RvpStatus rvpiBoundSegments_16u_C1IR(Rvp16u* pMarker, int markerStep, RvpiSize roiSize, Rvp16u val,
+                                            int norm);
+
+/* ---- Watershed ---------------------------------------------------------- */
+/* flag bits: */
+#define RVP_WATERSHED_QUEUE    1   /* priority-queue flooding; wins over bit 2 */
+#define RVP_WATERSHED_DISTANCE 2   /* distance relaxation by raster sweeps */
+#define RVP_WATERSHED_BORDER_4 64  /* mark boundaries testing 4 neighbours; wins over 128 */
+#define RVP_WATERSHED_BORDER_8 128 /* mark boundaries testing 8 neighbours */
+/* Marker-driven watershed, in place on pMarker: nonzero pixels are seeds,
+ * zero pixels are assigned; the largest label (255, or 65535 for 16-bit
+ * markers) is the boundary label, and seeds of that label are walls.
+ * Queue engine (norm 0: 8 neighbours, 1: 4): seeds next to an unlabelled
+ * pixel enter 256 first-in first-out queues by gray level; the lowest
+ * non-empty queue is popped and each unlabelled neighbour (left, right, up,
+ * down, then the diagonals) takes the popped label and enters queue
+ * max(its gray, current level). With a boundary bit a pixel that touches
+ * two regions takes the boundary label (seeds included, in raster order);
+ * pixels no seed reaches stay 0.
+ * Distance engine (norm 0: 8 neighbours at cost 0; 1: 4 at 0; 2: 8 at 10
+ * side / 14 diagonal; 3: 4 at 63 with a fast-marching update; a one-column
+ * image acts as norm 1): keys gray << 23 plus the path cost relax over a
+ * down sweep, an up sweep, then alternating check sweeps until nothing
+ * changes; each pixel takes the label of the neighbour that gave its key
+ * (earlier candidates win ties). Boundaries are then drawn with the keys
+ * deciding which pixel of a pair takes them (the larger key; ties: the right
+ * or lower pixel). Results do not depend on the thread count.
+ * Statuses: NullPtr, Size (also a size whose buffer would not fit an int),
+ * Step (srcStep below width, markerStep below the marker row's bytes),
+ * BadArg (no engine bit; queue engine with norm other than 0, 1; distance
+ * engine with norm outside 0..3). */
+RVPAPI RvpStatus rvpiSegmentWatershed_8u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pMarker, int markerStep,
+                                              RvpiSize roiSize, int norm, int flag, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiSegmentWatershed_8u16u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp16u* pMarker, int markerStep,
+                                                 RvpiSize roiSize, int norm, int flag, Rvp8u* pBuffer);
+/* max(height + 66 + 6 * height * pitch + 2 * pitch,
+ *     16 * width * height + 48 + (width + 2) * (height + 2) * labelBytes),
+ * pitch = (width + 31) & ~31, or (2 * width + 31) & ~31 for 16-bit labels.
+ * Statuses: NullPtr, Size (also when the size does not fit an int). */
+RVPAPI RvpStatus rvpiSegmentWatershedGetBufferSize_8u_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiSegmentWatershedGetBufferSize_8u16u_C1R(RvpiSize roiSize, int* pBufferSize);
+
+/* ---- Gradient segmentation ---------------------------------------------- */
+/* Region growing from markers over the image's gradient, in place on
+ * pMarker with the watershed's conventions (0: to assign, 255: boundary
+ * label and walls). The gradient of a pixel is the largest absolute
+ * difference to any of its 8 neighbours, over the channels for colour; the
+ * labels then flood as the watershed's queue engine does over that gradient
+ * (norm 1: 4 neighbours, 0: 8): every pixel a seed can reach without crossing a wall
+ * is labelled, low gradients first, so regions meet along edges. flag 0, or
+ * RVP_WATERSHED_BORDER_4 / _8 to mark the pixels where regions meet.
+ * Statuses: NullPtr, Size, Step (srcStep below the row's bytes, markerStep
+ * below width), BadArg (norm, or other flag bits). */
+RVPAPI RvpStatus rvpiSegmentGradient_8u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pMarker, int markerStep,
+                                             RvpiSize roiSize, int norm, int flag, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiSegmentGradient_8u_C3IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pMarker, int markerStep,
+                                             RvpiSize roiSize, int norm, int flag, Rvp8u* pBuffer);
+/* width * height + the watershed queue engine's bytes + 16. Statuses:
+ * NullPtr, Size (also when the size does not fit an int). */
+RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C3R(RvpiSize roiSize, int* pBufferSize);
+
 #ifdef __cplusplus
 }
 #endif
