@@ -1021,6 +1021,48 @@ RVPAPI RvpStatus rvpiSegmentGradient_8u_C3IR(const Rvp8u* pSrc, int srcStep, Rvp
 RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C1R(RvpiSize roiSize, int* pBufferSize);
 RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C3R(RvpiSize roiSize, int* pBufferSize);
 
+/* ---- Inpainting ---------------------------------------------------------- */
+/* Fills the pixels a mask marks (nonzero), from the outer edge inward in the
+ * order of a distance map (a fast-marching map suits: 0 outside the mask,
+ * growing inward); masked pixels of distance 0 or below, or NaN, are not
+ * filled. The state holds what depends only on mask, distances and radius:
+ * the work region (the mask's box grown by (int)radius + 1, clamped to the
+ * image), the neighbours within the radius and the fill list sorted by
+ * distance, then by index. Each call copies pSrc to pDst and fills in pDst,
+ * every filled pixel becoming known to the later ones. A neighbour q at
+ * distance r = |q - p| (r <= radius) that is known adds, with weight w,
+ *   flags 0 (distance-directed): g = gradient of the distances at p (x64),
+ *     w = |2^-12 / (|T(q) - T(p)| + 1) * r^-3 * (g . (p - q))|, and a
+ *     correction term from the image gradient at q;
+ *   flags 1 (isophote-directed): g = image gradient at p,
+ *     w = |g . (p - q)| / (|g| * r * (r^4 + 1)), or 1e-6 when the dot is 0;
+ * with 1/r and 1/|g| as a reciprocal root refined by one Newton step from
+ * the rounded value (the same on every processor). A pixel whose weights sum
+ * below 0.0001 takes the mean of its known 4-neighbours (0 without any).
+ * C3: the weights are shared, each channel has its own sum (and its own
+ * gradients; the isophote method's g is their sum). Single precision.
+ * Statuses: NullPtr, Size (also a work region of 2^28 pixels or more, or a
+ * state that would not fit an int), Step, NotEvenStep (distStep), BadArg
+ * (flags other than 0, 1; radius below 1, at or above 4096, or NaN),
+ * MemAlloc (nothing is left allocated). */
+typedef struct RvpiInpaintState RvpiInpaintState;
+RVPAPI RvpStatus rvpiInpaintInitAlloc_8u_C1R(RvpiInpaintState** ppState, const Rvp32f* pDist, int distStep,
+                                             const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp32f radius,
+                                             int flags);
+RVPAPI RvpStatus rvpiInpaintInitAlloc_8u_C3R(RvpiInpaintState** ppState, const Rvp32f* pDist, int distStep,
+                                             const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp32f radius,
+                                             int flags);
+/* Statuses: NullPtr, Size (also a size or channel count other than the
+ * state's), Step (srcStep or dstStep below the row's bytes). pSrc and pDst
+ * may be the same image. */
+RVPAPI RvpStatus rvpiInpaint_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                    RvpiInpaintState* pState);
+RVPAPI RvpStatus rvpiInpaint_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
+                                    RvpiInpaintState* pState);
+/* Statuses: NullPtr. Either form releases either state. */
+RVPAPI RvpStatus rvpiInpaintFree_8u_C1R(RvpiInpaintState* pState);
+RVPAPI RvpStatus rvpiInpaintFree_8u_C3R(RvpiInpaintState* pState);
+
 #ifdef __cplusplus
 }
 #endif
