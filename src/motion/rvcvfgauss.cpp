@@ -79,7 +79,7 @@ RvpStatus initAlloc(int C, const Rvp8u* src, int srcStep, RvpiSize roi, const vo
         return st;
     const int64_t w = roi.width, h = roi.height, pix = w * h, n = (pix + 7) & ~int64_t{7};
     const int64_t bytes[5] = {static_cast<int64_t>(sizeof(RvpiFGGaussianState)), n * kGaussians * 4,
-                              n * kGaussians * 8, (n * kGaussians * C * 2 + n * kGaussians * 2) * 8, pix * (C + 1)};
+                              n * kGaussians * 8, (n * kGaussians * C * 2 + n * kGaussians) * 8, pix * (C + 1)};
     Blocks b;
     if (RvpStatus st = allocate(b, bytes)) return st;
     auto* s = static_cast<RvpiFGGaussianState*>(b.p[0]);
@@ -104,15 +104,13 @@ RvpStatus initAlloc(int C, const Rvp8u* src, int srcStep, RvpiSize roi, const vo
     p.weight = static_cast<double*>(b.p[2]);
     p.variance = static_cast<double*>(b.p[3]);
     p.mean = p.variance + n * kGaussians * C;
-    p.root = p.mean + n * kGaussians * C;
-    p.invRoot = p.root + n * kGaussians;
+    p.invRoot = p.mean + n * kGaussians * C;
     // Gaussian 0 takes the pixel, the others are empty; padding lanes hold 0.
     const auto setPixel = [&](int64_t i, const Rvp8u* px) {
         for (int k = 0; k < kGaussians; ++k) {
             p.count[k * n + i] = k == 0 ? 1u : 0u;
             p.weight[k * n + i] = k == 0 ? 1.0 : 0.0;
-            p.root[k * n + i] = std::sqrt(12.5 * C);
-            p.invRoot[k * n + i] = 1.0 / p.root[k * n + i];
+            p.invRoot[k * n + i] = 1.0 / std::sqrt(12.5 * C);  // any estimate within 2^-11 serves
             for (int ch = 0; ch < C; ++ch) {
                 p.variance[(k * C + ch) * n + i] = 12.5;
                 p.mean[(k * C + ch) * n + i] = k == 0 && px ? px[ch] : 0.0;

@@ -17,15 +17,14 @@ constexpr int kGaussians = 5;
 
 // Plane layout for n pixels (n padded to a multiple of 8): count[k][n]
 // (32-bit, wrapping), weight[k][n], variance[k][c][n], mean[k][c][n], and
-// root[k][n] = sqrt(sum of the variances over the channels) and invRoot =
-// 1 / root, kept with the variances so that a frame takes a root only where
-// a variance changed.
+// invRoot[k][n]: an estimate of 1 / sqrt(sum of the variances over the
+// channels), renewed only where a variance changed; it serves to see that a
+// pixel's ranking needs no work, never as a result.
 struct GaussPlanes {
     uint32_t* count;
     double* weight;
     double* variance;
     double* mean;
-    double* root;
     double* invRoot;
     size_t n;  // padded pixel count: the distance between planes
     const uint32_t* countOf(int k) const { return count + k * n; }
