@@ -74,7 +74,7 @@ inline void add(const std::string& op, const std::string& impl, Size s, size_t b
             setThreads(n);
             fn(st);
             st.SetBytesProcessed(static_cast<int64_t>(st.iterations()) * static_cast<int64_t>(bytesMoved));
-        })->UseRealTime()->Unit(benchmark::kMicrosecond)->MinTime(0.3);
+        })->UseRealTime()->Unit(benchmark::kMicrosecond);
     }
 }
 

@@ -22,4 +22,12 @@ LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/consumer/build/consumer"
 PKG_CONFIG_PATH="$tmp/prefix/lib/pkgconfig" cc -std=c99 "$tmp/consumer/main.c" -o "$tmp/pc" \
   $(PKG_CONFIG_PATH="$tmp/prefix/lib/pkgconfig" pkg-config --cflags --libs rvpcv)
 LD_LIBRARY_PATH="$tmp/prefix/lib" "$tmp/pc"
-echo "install check: find_package and pkg-config consumers ran"
+# The installed tool and Python package run without LD_LIBRARY_PATH.
+"$tmp/prefix/bin/rvpcv" --version
+"$tmp/prefix/bin/rvpcv" demo "$tmp/demo" >/dev/null
+if /usr/bin/python3 -c "import cffi, numpy" 2>/dev/null; then
+  PYTHONPATH="$tmp/prefix/lib/python3/dist-packages" /usr/bin/python3 -c \
+    "import numpy as np, rvpcv; a = np.arange(12, dtype=np.uint8).reshape(3, 4); \
+assert (rvpcv.absdiff(a, a) == 0).all(); print('python:', rvpcv.version()['version'], rvpcv.kernel_level())"
+fi
+echo "install check: find_package and pkg-config consumers, the tool and the Python package ran"

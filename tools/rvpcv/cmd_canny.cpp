@@ -76,7 +76,7 @@ int run(const Args& args) {
         float* target = a == "--low" ? &low : a == "--high" ? &high : a == "--sobel" ? &sobel : nullptr;
         if (target) {
             if (i + 1 >= args.size() || !parseNumber(args[i + 1], *target))
-                return fail(a + " takes a number" + (i + 1 < args.size() ? ", not '" + args[i + 1] + "'" : ""));
+                return usageError(kCommand, a + " takes a number" + (i + 1 < args.size() ? ", not '" + args[i + 1] + "'" : ""));
             ++i;
         } else if (a.size() > 1 && a[0] == '-') {
             return fail("unknown option '" + a + "' for canny"), usage(kCommand);
@@ -85,8 +85,8 @@ int run(const Args& args) {
         }
     }
     if (files.size() != 2 || std::isnan(low) || std::isnan(high)) return usage(kCommand);
-    if (low < 0 || high < low) return fail("thresholds need 0 <= --low <= --high");
-    if (sobel != 3 && sobel != 5) return fail("--sobel takes 3 or 5");
+    if (low < 0 || high < low) return usageError(kCommand, "thresholds need 0 <= --low <= --high");
+    if (sobel != 3 && sobel != 5) return usageError(kCommand, "--sobel takes 3 or 5");
     Picture in;
     if (!load(files[0], in)) return 1;
     Picture edges;

@@ -1,5 +1,6 @@
 // integral: the summed-area table of an image and the standard deviation
-// under a sliding square read back from it, both written as pictures.
+// under a sliding square read back from it: float results (.npy/.pfm, or
+// stretched pictures with --preview), written together or not at all.
 #include <cstdio>
 #include <cstdlib>
 
@@ -9,7 +10,7 @@ namespace tool {
 namespace {
 
 // Table and deviation pictures of a gray image; side is the square's side.
-RvpStatus integralPictures(const Picture& gray, int side, Picture& table, Picture& dev) {
+RvpStatus integralResults(const Picture& gray, int side, Result& table, Result& dev) {
     const int w = gray.width, h = gray.height;
     std::vector<Rvp32f> sum(static_cast<size_t>(w + 1) * (h + 1));
     std::vector<Rvp64f> sqr(sum.size());
@@ -21,14 +22,18 @@ RvpStatus integralPictures(const Picture& gray, int side, Picture& table, Pictur
     st = rvpiRectStdDev_32f_C1R(sum.data(), (w + 1) * 4, sqr.data(), (w + 1) * 8, d.data(), out.width * 4, out,
                                 RvpiRect{0, 0, side, side});
     if (st != rvpStsNoErr) return st;
-    table = visualise(sum.data(), w + 1, h + 1, w + 1);
-    dev = visualise(d.data(), out.width, out.height, out.width);
+    table = Result::of(Result::Float32, sum.data(), w + 1, h + 1, w + 1);
+    dev = Result::of(Result::Float32, d.data(), out.width, out.height, out.width);
     return rvpStsNoErr;
 }
 
 int run(const Args& args);
 const Command kCommand{"integral", "IN TABLE_OUT STDDEV_OUT [SIDE]",
-                       "summed-area table and the deviation under a SIDE x SIDE square (default 15)", run};
+                       "summed-area table and the deviation under a SIDE x SIDE square (default 15)", run,
+                       "TABLE_OUT: the (W + 1) x (H + 1) table of sums in single precision; STDDEV_OUT: the standard "
+                       "deviation of the pixels under the square at each position. Both .npy or .pfm (floats), or "
+                       "with --preview 8-bit pictures from the minimum to the maximum; nothing is written unless both "
+                       "can be."};
 
 int run(const Args& args) {
     if (args.size() != 3 && args.size() != 4) return usage(kCommand);
@@ -42,23 +47,28 @@ int run(const Args& args) {
         }
         side = static_cast<int>(v);
     }
+    for (int k = 1; k <= 2; ++k)
+        if (const std::string e = checkResultName(args[k], Result::Float32); !e.empty()) return usageError(kCommand, e);
     Picture in;
     if (!load(args[0], in)) return 1;
     const Picture gray = toGray8(in);
     if (gray.width < side || gray.height < side)
         return fail("'" + args[0] + "' (" + std::to_string(gray.width) + "x" + std::to_string(gray.height) +
                     ") is smaller than the " + std::to_string(side) + "x" + std::to_string(side) + " square");
-    Picture table, dev;
-    const RvpStatus st = integralPictures(gray, side, table, dev);
+    Result table, dev;
+    const RvpStatus st = integralResults(gray, side, table, dev);
     if (st != rvpStsNoErr) return fail("integral failed: " + statusText(st));
-    return store(args[1], table) && store(args[2], dev) ? 0 : 1;
+    Outputs o;
+    o.add(args[1], table);
+    o.add(args[2], dev);
+    return o.commit() ? 0 : 1;
 }
 
 bool demo(const DemoContext& ctx, std::string& what) {
-    Picture table, dev;
-    if (integralPictures(ctx.gray, 15, table, dev) != rvpStsNoErr) return false;
-    what = "integral.png (summed-area table), rectstddev.png (deviation under a 15x15 square)";
-    return ctx.save("integral.png", table) && ctx.save("rectstddev.png", dev);
+    Result table, dev;
+    if (integralResults(ctx.gray, 15, table, dev) != rvpStsNoErr) return false;
+    what = "integral.png (summed-area table), rectstddev.png (deviation under a 15x15 square), stretched";
+    return ctx.save("integral.png", preview(table)) && ctx.save("rectstddev.png", preview(dev));
 }
 
 const RegisterCommand kReg(kCommand);

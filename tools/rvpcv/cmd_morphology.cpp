@@ -62,7 +62,7 @@ int run(bool dilate, const Command& cmd, const Args& args) {
     if (args.size() != 4 || args[2] != "--mask") return usage(cmd);
     Element e;
     std::string error;
-    if (!parseMask(args[3], e, error)) return fail(error);
+    if (!parseMask(args[3], e, error)) return usageError(cmd, error);
     Picture in;
     if (!load(args[0], in)) return 1;
     if (in.depth != 8) return fail("'" + args[0] + "' has 16-bit samples; " + cmd.name + " takes 8-bit images");

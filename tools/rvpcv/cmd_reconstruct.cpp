@@ -38,7 +38,7 @@ int runReconstruct(const Args& args) {
             erode = true;
         } else if (args[i] == "--norm" && i + 1 < args.size()) {
             const std::string& n = args[++i];
-            if (n != "4" && n != "8") return fail("--norm takes 4 or 8 (neighbours), not '" + n + "'");
+            if (n != "4" && n != "8") return usageError(kReconstruct, "--norm takes 4 or 8 (neighbours), not '" + n + "'");
             norm = n == "4" ? rvpiNormL1 : rvpiNormInf;
         } else {
             return usage(kReconstruct);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imageio.h"
+#include "results.h"
 #include "rvpcv.h"
 
 namespace tool {
@@ -19,6 +20,7 @@ struct Command {
     const char* usage;    // arguments, e.g. "A B OUT"
     const char* summary;  // one line
     int (*run)(const Args& args);  // args after the command name; returns the exit code
+    const char* help = nullptr;    // more for COMMAND --help: options, defaults, formats
 };
 
 // What the demo hands each step: the built-in sample scene and where to write.
@@ -47,7 +49,9 @@ const std::vector<DemoStep>& demoSteps();
 // Shared helpers for command implementations.
 int fail(const std::string& message);  // prints "rvpcv: message", returns 1
 int usage(const Command& c);           // prints the command's usage, returns 2
+int usageError(const Command& c, const std::string& message);  // the message and the usage; returns 2
 bool load(const std::string& path, Picture& pic);  // prints the error itself
+// Writes through a temporary file beside it: a failure leaves nothing.
 bool store(const std::string& path, const Picture& pic);
 // Explains a status code in words for error messages.
 std::string statusText(RvpStatus st);

@@ -136,12 +136,16 @@ bool readPicture(const std::string& path, Picture& out, std::string& error) {
 }
 
 bool writePicture(const std::string& path, const Picture& pic, std::string& error) {
+    return writePictureAs(path, path, pic, error);
+}
+
+bool writePictureAs(const std::string& name, const std::string& path, const Picture& pic, std::string& error) {
     File f(std::fopen(path.c_str(), "wb"));
     if (!f) {
         error = "cannot write '" + path + "': " + std::strerror(errno);
         return false;
     }
-    if (endsWith(path, ".pgm") || endsWith(path, ".ppm")) {
+    if (endsWith(name, ".pgm") || endsWith(name, ".ppm")) {
         std::fprintf(f.get(), "P%c\n%d %d\n%d\n", pic.channels == 3 ? '6' : '5', pic.width, pic.height,
                      pic.depth == 16 ? 65535 : 255);
         std::vector<uint8_t> bytes = pic.data;
@@ -198,17 +202,20 @@ Picture visualise(const float* data, int width, int height, int stride, float lo
     return p;
 }
 
+// Luma weights 0.299, 0.587, 0.114 (gray pictures pass through, 16-bit
+// samples keep their high byte).
 Picture toGray8(const Picture& pic) {
     Picture g = makePicture(pic.width, pic.height, 1, 8);
     for (int y = 0; y < pic.height; ++y) {
         const uint8_t* r = pic.data.data() + static_cast<size_t>(pic.rowBytes()) * y;
         for (int x = 0; x < pic.width; ++x) {
-            unsigned sum = 0;
-            for (int c = 0; c < pic.channels; ++c) {
+            int s[3] = {0, 0, 0};
+            for (int c = 0; c < pic.channels && c < 3; ++c) {
                 const int i = x * pic.channels + c;
-                sum += pic.depth == 16 ? (r[2 * i] | (r[2 * i + 1] << 8)) >> 8 : r[i];
+                s[c] = pic.depth == 16 ? (r[2 * i] | (r[2 * i + 1] << 8)) >> 8 : r[i];
             }
-            g.row(y)[x] = static_cast<uint8_t>((sum + pic.channels / 2) / pic.channels);
+            g.row(y)[x] = pic.channels >= 3 ? static_cast<uint8_t>((299 * s[0] + 587 * s[1] + 114 * s[2] + 500) / 1000)
+                                            : static_cast<uint8_t>(s[0]);
         }
     }
     return g;

@@ -23,6 +23,8 @@ Picture makePicture(int width, int height, int channels, int depth);
 bool readPicture(const std::string& path, Picture& out, std::string& error);
 // Writes PNG, or PGM/PPM when the name ends in .pgm/.ppm.
 bool writePicture(const std::string& path, const Picture& pic, std::string& error);
+// The same into `path` in the format `name` asks for (a temporary file).
+bool writePictureAs(const std::string& name, const std::string& path, const Picture& pic, std::string& error);
 // A float plane mapped linearly from [lo, hi] (min..max when lo == hi) to 8 bits.
 Picture visualise(const float* data, int width, int height, int stride, float lo = 0, float hi = 0);
 // The gray version of a picture (8-bit, one channel); averages RGB.

@@ -32,6 +32,11 @@ int usage(const Command& c) {
     return 2;
 }
 
+int usageError(const Command& c, const std::string& message) {
+    fail(message);
+    return usage(c);
+}
+
 bool load(const std::string& path, Picture& pic) {
     std::string err;
     if (readPicture(path, pic, err)) return true;
@@ -40,10 +45,9 @@ bool load(const std::string& path, Picture& pic) {
 }
 
 bool store(const std::string& path, const Picture& pic) {
-    std::string err;
-    if (writePicture(path, pic, err)) return true;
-    fail(err);
-    return false;
+    Outputs o;
+    o.add(path, pic);
+    return o.commit();
 }
 
 bool DemoContext::save(const std::string& name, const Picture& pic) const {
@@ -67,18 +71,63 @@ std::string statusText(RvpStatus st) {
 
 namespace {
 
+// Prints text wrapped to 99 columns, continuation lines indented by `indent`.
+void wrapped(const std::string& text, size_t first, size_t indent) {
+    size_t col = first;
+    std::string word;
+    const auto flush = [&] {
+        if (word.empty()) return;
+        if (col + 1 + word.size() > 99 && col > indent) {
+            std::printf("\n%*s", static_cast<int>(indent), "");
+            col = indent;
+        } else if (col > indent && col != first) {
+            std::printf(" ");
+            ++col;
+        } else if (col == first && first > indent) {
+            std::printf(" ");
+            ++col;
+        }
+        std::printf("%s", word.c_str());
+        col += word.size();
+        word.clear();
+    };
+    for (char ch : text) {
+        if (ch == ' ' || ch == '\n') flush();
+        else word += ch;
+    }
+    flush();
+    std::printf("\n");
+}
+
 void printHelp() {
     std::printf("rvpcv - computer-vision primitives on image files (PNG, PGM, PPM)\n\n"
-                "usage: rvpcv COMMAND [ARGS]\n\n"
-                "  --version              library name and version\n"
-                "  --help                 this text\n"
-                "  --threads N COMMAND    run COMMAND with at most N threads\n");
+                "usage: rvpcv [--threads N] [--preview] [--verbose] COMMAND [ARGS]\n"
+                "       rvpcv COMMAND --help\n\n"
+                "  --version                 library name, version and kernel level\n"
+                "  --help                    this text\n"
+                "  --threads N               at most N threads (1 to 1024)\n"
+                "  --preview                 write numeric results as stretched 8-bit pictures\n"
+                "  --verbose                 the time each command or demo step takes, on stderr\n\n"
+                "Colour pictures are made gray with the luma weights 0.299 R + 0.587 G + 0.114 B where\n"
+                "a command takes gray. Exit codes: 0 done, 1 failed (nothing written), 2 bad usage.\n\n");
     std::vector<Command> cs = commands();
+    cs.push_back({"demo", "[OUTDIR]", "every family on a built-in scene, pictures in OUTDIR (default demo-out)",
+                  nullptr});
     std::sort(cs.begin(), cs.end(), [](const Command& a, const Command& b) { return std::strcmp(a.name, b.name) < 0; });
     for (const Command& c : cs) {
-        std::string head = std::string(c.name) + " " + c.usage;
-        std::printf("  %-22s %s\n", head.c_str(), c.summary);
+        std::printf("  %-16s", c.name);
+        wrapped(c.summary, 18, 18);
     }
+}
+
+int commandHelp(const Command& c) {
+    std::printf("usage: rvpcv %s %s\n\n", c.name, c.usage);
+    wrapped(c.summary, 0, 0);
+    if (c.help) {
+        std::printf("\n");
+        wrapped(c.help, 0, 0);
+    }
+    return 0;
 }
 
 int runDemo(const Args& args) {
@@ -114,11 +163,17 @@ int runDemo(const Args& args) {
 
 int main(int argc, char** argv) {
     using namespace tool;
-    Args args(argv + 1, argv + argc);
+    Args args;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        if (a == "--preview") settings().preview = true;
+        else if (a == "--verbose") settings().verbose = true;
+        else args.push_back(a);
+    }
     if (args.size() >= 2 && args[0] == "--threads") {
         char* end = nullptr;
         const long n = std::strtol(args[1].c_str(), &end, 10);
-        if (*end != '\0' || rvpSetNumThreads(static_cast<int>(n)) != rvpStsNoErr)
+        if (*end != '\0' || n < 1 || n > 1024 || rvpSetNumThreads(static_cast<int>(n)) != rvpStsNoErr)
             return fail("--threads takes a count from 1 to 1024"), 2;
         args.erase(args.begin(), args.begin() + 2);
     }
@@ -139,9 +194,24 @@ int main(int argc, char** argv) {
     }
     const std::string name = args[0];
     args.erase(args.begin());
-    if (name == "demo") return runDemo(args);
+    const bool help = std::find(args.begin(), args.end(), "--help") != args.end() ||
+                      std::find(args.begin(), args.end(), "-h") != args.end();
+    const auto t0 = std::chrono::steady_clock::now();
+    int rc = -1;
+    if (name == "demo") {
+        if (help) return commandHelp({"demo", "[OUTDIR]", "runs every family on a built-in 640x480 scene and "
+                                      "writes its pictures to OUTDIR (default demo-out), with a timing line per step",
+                                      nullptr});
+        rc = runDemo(args);
+    }
     for (const Command& c : commands())
-        if (name == c.name) return c.run(args);
-    std::fprintf(stderr, "rvpcv: unknown command '%s' (see rvpcv --help)\n", name.c_str());
-    return 2;
+        if (rc == -1 && name == c.name) rc = help ? commandHelp(c) : c.run(args);
+    if (rc == -1) {
+        std::fprintf(stderr, "rvpcv: unknown command '%s' (see rvpcv --help)\n", name.c_str());
+        return 2;
+    }
+    if (settings().verbose)
+        std::fprintf(stderr, "rvpcv: %s took %.3f ms\n", name.c_str(),
+                     std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - t0).count());
+    return rc;
 }

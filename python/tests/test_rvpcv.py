@@ -1,0 +1,134 @@
+"""The Python package against numpy/scipy computations of the same rules on
+a real photograph, its errors and warnings, strided views, and calls from
+several Python threads at once."""
+import threading
+import warnings
+
+import numpy as np
+import pytest
+
+import rvpcv
+
+
+def photo():
+    try:
+        from skimage import data
+        return data.camera()
+    except Exception:  # no sample data: a textured scene instead
+        y, x = np.mgrid[0:512, 0:512]
+        return ((np.sin(x / 9.0) * np.cos(y / 13.0) + 1) * 100 + (x * y) % 37).astype(np.uint8)
+
+
+IMG = photo()
+
+
+def test_every_exported_function_is_declared():
+    names = [n for n in dir(rvpcv.lib) if n.startswith(("rvpi", "rvpcv"))]
+    assert "rvpiAbsDiff_8u_C1R" in names and "rvpcvGetLibVersion" in names
+    assert rvpcv.version()["version"].startswith("7.1.1")
+    assert rvpcv.kernel_level() in ("sse3", "avx2", "avx512")
+
+
+def test_pixelwise_and_accumulation_match_numpy():
+    a, b = IMG, np.roll(IMG, 7, axis=1)
+    assert np.array_equal(rvpcv.absdiff(a, b), np.abs(a.astype(int) - b).astype(np.uint8))
+    acc = np.zeros(a.shape, np.float32)
+    rvpcv.accumulate(acc, a)
+    rvpcv.accumulate_weighted(acc, b, 0.25, mask=(a > 100).astype(np.uint8))
+    want = a.astype(np.float32)
+    sel = a > 100
+    want[sel] = want[sel] + (b[sel].astype(np.float32) - want[sel]) * np.float32(0.25)
+    assert np.array_equal(acc, want)
+
+
+def test_filters_and_morphology_match_scipy():
+    ndimage = pytest.importorskip("scipy.ndimage")
+    f = IMG.astype(np.float32)
+    # Sobel "h": 1 2 1 along the rows, -1 0 1 down the columns (correlation),
+    # replicated border.
+    k = np.array([[-1, -2, -1], [0, 0, 0], [1, 2, 1]], np.float32)
+    assert np.array_equal(rvpcv.sobel(f), ndimage.correlate(f, k, mode="nearest"))
+    assert np.array_equal(rvpcv.sobel(IMG), ndimage.correlate(IMG.astype(np.int32), k.astype(np.int32),
+                                                              mode="nearest").astype(np.int16))
+    disk = (np.add.outer(np.arange(-3, 4) ** 2, np.arange(-3, 4) ** 2) <= 9).astype(np.uint8)
+    assert np.array_equal(rvpcv.erode(IMG, disk), ndimage.grey_erosion(IMG, footprint=disk, mode="nearest"))
+    assert np.array_equal(rvpcv.max_filter(IMG, (9, 5)), ndimage.maximum_filter(IMG, size=(5, 9), mode="nearest"))
+    table = rvpcv.integral(IMG)
+    assert np.array_equal(table[1:, 1:], IMG.astype(np.int64).cumsum(0).cumsum(1).astype(np.int32))
+
+
+def test_reconstruction_matches_scikit_image():
+    morphology = pytest.importorskip("skimage.morphology")
+    seed = np.maximum(IMG.astype(np.int16) - 40, 0).astype(np.uint8)
+    want = morphology.reconstruction(seed, IMG, method="dilation").astype(np.uint8)
+    assert np.array_equal(rvpcv.reconstruct(seed, IMG), want)
+
+
+def test_strided_views_are_used_in_place_and_other_layouts_copied():
+    big = np.zeros((IMG.shape[0] + 4, IMG.shape[1] + 16), np.uint8)
+    big[2:-2, 8:-8] = IMG
+    view = big[2:-2, 8:-8]
+    out = np.zeros_like(big)
+    rvpcv.absdiff(view, view * 0, out=out[2:-2, 8:-8])
+    assert np.array_equal(out[2:-2, 8:-8], IMG) and not out[:2].any()
+    assert np.array_equal(rvpcv.absdiff(IMG.T, IMG.T), np.zeros(IMG.T.shape, np.uint8))  # copied once
+    assert np.array_equal(rvpcv.absdiff(IMG[::-1], IMG[::-1] * 0), IMG[::-1])
+
+
+def test_errors_and_warnings():
+    with pytest.raises(TypeError):
+        rvpcv.absdiff(IMG.astype(np.int32), IMG.astype(np.int32))
+    with pytest.raises(ValueError):
+        rvpcv.absdiff(IMG, IMG[:10])
+    with pytest.raises(rvpcv.BadArgumentError) as e:
+        rvpcv.lib and rvpcv.gaussian(IMG.astype(np.float32), ksize=4)
+    assert e.value.status == rvpcv.lib.rvpStsBadArgErr and "BadArgErr" in str(e.value)
+    with pytest.raises(rvpcv.SizeError):
+        rvpcv.absdiff(np.zeros((0, 5), np.uint8), np.zeros((0, 5), np.uint8))
+    with pytest.raises(rvpcv.StatusError):
+        rvpcv.set_num_threads(0)
+    # A warning status: the state is made and usable.
+    with warnings.catch_warnings(record=True) as w:
+        warnings.simplefilter("always")
+        rvpcv._support.check(rvpcv.lib.rvpStsLineListFullWrn, "test")
+    assert w and issubclass(w[0].category, rvpcv.StatusWarning)
+
+
+def test_segmentation_motion_geometry_and_inpainting():
+    markers = np.zeros(IMG.shape, np.uint8)
+    markers[10, 10], markers[-10, -10] = 1, 2
+    labels = rvpcv.segment_gradient(IMG, markers, boundary=8)
+    assert set(np.unique(labels)) <= {1, 2, 255} and (labels != 0).all()
+    assert (rvpcv.watershed(IMG, markers, engine="distance", norm=2) != 0).all()
+    model = rvpcv.GaussianBackground(IMG)
+    mask, bg = model.apply(IMG)
+    assert not mask.any() and np.array_equal(bg, IMG)
+    hist = np.zeros(IMG.shape, np.float32)
+    rvpcv.update_motion_history((IMG > 128).astype(np.uint8), hist, 5.0, 2.0)
+    assert np.array_equal(hist, np.where(IMG > 128, 5.0, 0.0).astype(np.float32))
+    assert np.array_equal(rvpcv.undistort(IMG, 500, 500, 255.5, 255.5, 0, 0)[:-1, :-1], IMG[:-1, :-1])
+    damaged = IMG.copy()
+    hole = np.zeros(IMG.shape, np.uint8)
+    hole[200:210, 100:300] = 255
+    dist = np.where(hole > 0, np.minimum(np.arange(IMG.shape[0])[:, None] - 199, 210 - np.arange(IMG.shape[0])[:, None]),
+                    0).astype(np.float32)
+    restored = rvpcv.inpaint(damaged, hole, dist)
+    assert np.array_equal(restored[hole == 0], IMG[hole == 0])
+    assert abs(int(restored[205, 200]) - int(IMG[205, 200])) < 60
+
+
+def test_threads_run_calls_at_once():
+    rvpcv.set_num_threads(2)
+    assert rvpcv.get_num_threads() == 2
+    want = rvpcv.gaussian(IMG.astype(np.float32), 7, 2.0)
+    results = [None] * 6
+
+    def work(i):
+        results[i] = rvpcv.gaussian(IMG.astype(np.float32), 7, 2.0)
+
+    threads = [threading.Thread(target=work, args=(i,)) for i in range(6)]
+    for t in threads:
+        t.start()
+    for t in threads:
+        t.join()
+    assert all(np.array_equal(r, want) for r in results)
