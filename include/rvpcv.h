@@ -7,6 +7,13 @@
  * alignment, other values; the first failing test decides. Steps are signed
  * byte counts between row starts whatever the sample type.
  *
+ * Buffer sizes: every size query computes in 64 bits, and a size that does
+ * not fit an int gives rvpStsSizeErr with nothing stored (where the 32-bit
+ * formulas these queries describe would wrap); the functions that take the
+ * buffer refuse the same arguments with the same status before touching
+ * memory. Sizes that fit are the ones the formulas give. A row whose bytes
+ * do not fit an int fails the step test (no step can hold it).
+ *
  * This header compiles as C99 and as C++.
  */
 #ifndef RVPCV_H
@@ -436,8 +443,9 @@ RVPAPI RvpStatus rvpiMorphologyFree(RvpiMorphState* pState);
 /* dst(x, y) = max (dilate) or min (erode) of src(clamp(x + c - ax), clamp(y + r - ay))
  * over the set cells (c, r); the mask is not mirrored. An empty mask copies.
  * pSrc and pDst must not overlap. borderType must be rvpBorderRepl. Statuses:
- * NullPtr, Size, Step, NotEvenStep (32f), BadArg (borderType, state of another
- * layout), Size (width above the state's roiWidth). */
+ * NullPtr (pSrc, pDst, and the state, tested first like the others: a
+ * deliberate addition), Size, Step, NotEvenStep (32f), BadArg (borderType,
+ * state of another layout), Size (width above the state's roiWidth). */
 RVPAPI RvpStatus rvpiDilateBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
                                                  int borderType, RvpiMorphState* pState);
 RVPAPI RvpStatus rvpiErodeBorderReplicate_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize,
@@ -525,6 +533,9 @@ RVPAPI RvpStatus rvpiMorphReconstructGetBufferSize_64f_C1(RvpiSize roiSize, int*
 /* Dilate: grows the marker pSrcDst under the mask pSrc until stable (the result
  * is the reconstruction of min(marker, mask)); Erode: shrinks it above the mask
  * (of max(marker, mask)). norm is rvpiNormInf or rvpiNormL1; pBuffer is scratch.
+ * NaN: a comparison with NaN is false, so a NaN sample acts where the scans
+ * meet it; float images that hold a NaN are reconstructed by the single-thread
+ * scans whatever the thread count, so the result never depends on it.
  * Statuses: NullPtr, Size, Step, NotEvenStep (16u, 32f, 64f), BadArg (norm). */
 RVPAPI RvpStatus rvpiMorphReconstructDilate_8u_C1IR(const Rvp8u* pSrc, int srcStep, Rvp8u* pSrcDst, int srcDstStep,
         RvpiSize roiSize, Rvp8u* pBuffer, int norm);

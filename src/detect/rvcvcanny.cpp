@@ -114,12 +114,21 @@ void detect(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int
     ownHysteresisThresholding(stack, top, map, mapStep, pDst, dstStep);
 }
 
+// Map of (H+2)(W+2) bytes, a ring of four rows of W+2 four-byte elements,
+// and a stack with room for every pixel (4 or 8 bytes each), with slack for
+// the alignment of the map and the ring; in 64 bits.
+int64_t cannyBytes(RvpiSize roi) {
+    const int64_t perPixel = narrowStack(roi) ? 5 : 9;
+    const int64_t frame = (static_cast<int64_t>(roi.height) + 2) * (static_cast<int64_t>(roi.width) + 2);
+    return frame * perPixel + 160 + 16 * static_cast<int64_t>(roi.width);
+}
+
 template <class T>
 RvpStatus canny(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst, int dstStep, RvpiSize roi,
                 Rvp32f lowThresh, Rvp32f highThresh, Rvp8u* pBuffer) {
     constexpr int e = static_cast<int>(sizeof(T));
     Check c;
-    c.ptrs(pDx, pDy, pDst, pBuffer).size(roi);
+    c.ptrs(pDx, pDy, pDst, pBuffer).size(roi).fail(!fitsInt(cannyBytes(roi)), rvpStsSizeErr);
     c.steps(wmul(roi.width, e), dxStep, dyStep).step(dstStep, roi.width).evenSteps(e, dxStep, dyStep);
     // Only the two ordered comparisons: a NaN threshold passes.
     c.fail(lowThresh < 0 || highThresh < lowThresh, rvpStsBadArgErr);
@@ -137,15 +146,9 @@ RvpStatus canny(const T* pDx, int dxStep, const T* pDy, int dyStep, Rvp8u* pDst,
 
 using namespace rvcv;
 
-// Map of (H+2)(W+2) bytes, a ring of four rows of W+2 four-byte elements,
-// and a stack with room for every pixel (4 or 8 bytes each), with slack for
-// the alignment of the map and the ring. 32-bit arithmetic, wrapping.
 RVCV_EXPORT RvpStatus rvpiCannyGetSize(RvpiSize roiSize, int* pBufferSize) {
     if (RvpStatus st = Check().ptr(pBufferSize).size(roiSize)) return st;
-    const int perPixel = narrowStack(roiSize) ? 5 : 9;
-    const int frame = wmul(wadd(roiSize.height, 2), wadd(roiSize.width, 2));
-    *pBufferSize = wadd(wadd(wmul(frame, perPixel), 160), wmul(16, roiSize.width));
-    return rvpStsNoErr;
+    return storeSize(cannyBytes(roiSize), pBufferSize);
 }
 
 RVCV_EXPORT RvpStatus rvpiCanny_16s8u_C1R(const Rvp16s* pSrcDx, int srcDxStep, const Rvp16s* pSrcDy, int srcDyStep,

@@ -77,9 +77,8 @@ RvpStatus bufferSize(const F& f, RvpiSize roi, int apertureSize, int avgWindow, 
         if (RvpStatus st = keep(f.scharrHorizSize(roi, &n))) return st;
     }
     if (RvpStatus st = keep(rvpiFilterLowpassGetBufferSize_32f_C1R(roi, avgWindow * 11, &n))) return st;
-    const int area = wmul(paddedWidth(roi.width), roi.height, f.bytesPerPixel);
-    *pBufferSize = wadd(wadd(area, 224), largest);
-    return rvpStsNoErr;
+    const int64_t area = ((static_cast<int64_t>(roi.width) + 15) & ~int64_t{15}) * roi.height * f.bytesPerPixel;
+    return storeSize(area + 224 + largest, pBufferSize);
 }
 
 float scaleOf(int kernType, int apertureSize) {
@@ -190,6 +189,9 @@ RvpStatus corners(const F& f, const typename F::S* pSrc, int srcStep, Rvp32f* pD
         c.fail(true, rvpStsBadArgErr);
     c.fail(avgWindow != 3 && avgWindow != 5, rvpStsSizeErr);
     if (RvpStatus st = c) return st;
+    // Arguments whose buffer size would not fit an int (the query refuses them too).
+    int need = 0;
+    if (RvpStatus st = bufferSize(f, roi, apertureSize, avgWindow, &need)) return st;
 
     // Areas: dx, dy, xx, xy, yy, filter scratch; each starts on 32 bytes
     // since padded rows make every area a multiple of 32 bytes.

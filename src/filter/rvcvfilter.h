@@ -84,8 +84,8 @@ inline bool validPipelineBorder(int borderType) { return borderType >= 0 && bord
 // Pipeline size queries, shared with the fixed-kernel filters' queries.
 enum class RowForm { P8u16s_C1, P8u16s_C3, P16s_C1, P16s_C3, Low_C1, Low_C3, P32f_C1, P32f_C3 };
 enum class ColForm { P16s_C1, P16s_C3, Low_C1, Low_C3, P32f };
-int rowPipelineBytes(RowForm f, RvpiSize roi, int kernelSize, int maxThreads);
-int colPipelineBytes(ColForm f, RvpiSize roi, int kernelSize, int maxThreads);
+int64_t rowPipelineBytes(RowForm f, RvpiSize roi, int kernelSize, int maxThreads);
+int64_t colPipelineBytes(ColForm f, RvpiSize roi, int kernelSize, int maxThreads);
 
 }  // namespace filt
 }  // namespace rvcv

@@ -81,21 +81,21 @@ struct FilterDef {
 
 enum class SizeKind { Sobel8u, Sobel32f, Lap8u, Lap32f, Scharr8u, Scharr32f };
 
-int fixedBytes(SizeKind kind, RvpiSize roi, int n, int maxThreads, int tail) {
-    const int w16 = (roi.width + 15) & ~15;
-    int one = 0;
+int64_t fixedBytes(SizeKind kind, RvpiSize roi, int n, int maxThreads, int tail) {
+    const int64_t w16 = (static_cast<int64_t>(roi.width) + 15) & ~int64_t{15};
+    int64_t one = 0;
     bool isFloat = false;
     switch (kind) {
-    case SizeKind::Sobel8u: one = wadd(wmul(w16, 2, 2 * n + 15), 368 + 24 * n); break;
-    case SizeKind::Sobel32f: one = wadd(wmul(w16, 4, 2 * n + 15), 368 + 24 * n); isFloat = true; break;
-    case SizeKind::Lap8u: one = wadd(wmul(w16, 4, 2 * n + 15), 576 + 48 * n); break;
-    case SizeKind::Lap32f: one = wadd(wmul(w16, 8, 2 * n + 15), 576 + 48 * n); isFloat = true; break;
-    case SizeKind::Scharr8u: one = wadd(wmul(w16, 42), 376); break;
-    case SizeKind::Scharr32f: one = wadd(wmul(w16, 84), 376); isFloat = true; break;
+    case SizeKind::Sobel8u: one = w16 * 2 * (2 * n + 15) + 368 + 24 * n; break;
+    case SizeKind::Sobel32f: one = w16 * 4 * (2 * n + 15) + 368 + 24 * n; isFloat = true; break;
+    case SizeKind::Lap8u: one = w16 * 4 * (2 * n + 15) + 576 + 48 * n; break;
+    case SizeKind::Lap32f: one = w16 * 8 * (2 * n + 15) + 576 + 48 * n; isFloat = true; break;
+    case SizeKind::Scharr8u: one = w16 * 42 + 376; break;
+    case SizeKind::Scharr32f: one = w16 * 84 + 376; isFloat = true; break;
     }
-    const int rowBytes = rowPipelineBytes(isFloat ? RowForm::P32f_C1 : RowForm::P8u16s_C1, roi, n, maxThreads);
-    const int colBytes = colPipelineBytes(isFloat ? ColForm::P32f : ColForm::P16s_C1, roi, n, maxThreads);
-    return wmul(maxThreads, wadd(wadd(wadd(one, rowBytes), colBytes), tail));
+    const int64_t rowBytes = rowPipelineBytes(isFloat ? RowForm::P32f_C1 : RowForm::P8u16s_C1, roi, n, maxThreads);
+    const int64_t colBytes = colPipelineBytes(isFloat ? ColForm::P32f : ColForm::P16s_C1, roi, n, maxThreads);
+    return maxThreads * (one + rowBytes + colBytes + tail);
 }
 
 int maskN(int maskSize) { return maskSize == 33 ? 3 : maskSize == 55 ? 5 : 0; }
@@ -113,9 +113,12 @@ RvpStatus fixedFilter(const FilterDef& def, SizeKind kind, int tail, const S* pS
     Check c;
     c.ptrs(pSrc, pDst, pBuffer).size(roi);
     c.step(srcStep, wmul(roi.width, static_cast<int>(sizeof(S)))).step(dstStep, wmul(roi.width, static_cast<int>(sizeof(D))));
+    c.fail(static_cast<int64_t>(roi.width) * 4 > INT32_MAX, rvpStsStepErr);  // rows longer than any step
     c.evenSteps(static_cast<int>(sizeof(S)), srcStep).evenSteps(static_cast<int>(sizeof(D)), dstStep);
     c.fail(badFilterBorder(borderType), rvpStsBadArgErr);
     c.fail(maskN(maskSize) == 0, rvpStsMaskSizeErr);
+    // Arguments whose buffer size would not fit an int (the query refuses them too).
+    c.fail(!fitsInt(fixedBytes(kind, roi, maskN(maskSize), maxThreads, tail)), rvpStsSizeErr);
     if (c != rvpStsNoErr) return c;
     if ((borderType & 0xF) == rvpBorderInMem) borderType = 0xF0;
     const int n = maskN(maskSize);
@@ -137,7 +140,7 @@ RvpStatus fixedFilter(const FilterDef& def, SizeKind kind, int tail, const S* pS
         int team = height / 128;
         if (rvpGetNumCoresOnDie() < team) team = rvpGetNumCoresOnDie();
         if (ownGetNumThreads() < team) team = ownGetNumThreads();
-        filterRegion(height, team, pBuffer, fixedBytes(kind, roi, n, maxThreads, tail), band);
+        filterRegion(height, team, pBuffer, static_cast<int>(fixedBytes(kind, roi, n, maxThreads, tail)), band);
     } else {
         band(0, height, pBuffer, 0);
     }
@@ -149,8 +152,7 @@ RvpStatus fixedQuery(SizeKind kind, int tail, RvpiSize roi, int maskSize, int* p
     if (roi.width < 1 || roi.height < 1) return rvpStsSizeErr;
     const int n = maskN(maskSize);
     if (n == 0) return rvpStsMaskSizeErr;
-    *pBufferSize = fixedBytes(kind, roi, n, owncvGetMaxNumThreads(), tail);
-    return rvpStsNoErr;
+    return storeSize(fixedBytes(kind, roi, n, owncvGetMaxNumThreads(), tail), pBufferSize);
 }
 
 // Row and column indices: {3x3}, {5x5}, {second 5x5 pass}.

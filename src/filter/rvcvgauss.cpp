@@ -12,14 +12,15 @@ Rvp8u* alignUp(Rvp8u* p, uintptr_t a) {
     return reinterpret_cast<Rvp8u*>((reinterpret_cast<uintptr_t>(p) + a - 1) & ~(a - 1));
 }
 
-int gaussBytes(RvpiSize roi, int k, int maxThreads) {
-    const int a = (k + 3 + roi.width) & ~3, b = (k + 7 + roi.width) & ~7;
-    int s = wmul(a, 4, wmul(k, 2));
-    s = wadd(s, wmul(2, wmul(b, 4, k) / 2));
-    s = wadd(s, 96 + ((k + 3) & ~3) * 4);
-    s = wadd(s, wadd(rowPipelineBytes(RowForm::P32f_C1, RvpiSize{roi.width, k}, k, maxThreads), 32));
-    s = wadd(s, wadd(colPipelineBytes(ColForm::P32f, RvpiSize{roi.width, k}, k, maxThreads), 64));
-    return wadd(s, wmul(k + k, 8));
+int64_t gaussBytes(RvpiSize roi, int k, int maxThreads) {
+    const int64_t w = roi.width, kk = k;
+    const int64_t a = (kk + 3 + w) & ~int64_t{3}, b = (kk + 7 + w) & ~int64_t{7};
+    int64_t s = a * 4 * (kk * 2);
+    s += 2 * (b * 4 * kk / 2);
+    s += 96 + ((kk + 3) & ~int64_t{3}) * 4;
+    s += rowPipelineBytes(RowForm::P32f_C1, RvpiSize{roi.width, k}, k, maxThreads) + 32;
+    s += colPipelineBytes(ColForm::P32f, RvpiSize{roi.width, k}, k, maxThreads) + 64;
+    return s + (kk + kk) * 8;
 }
 
 bool badGaussArgs(int k, int borderType) {
@@ -34,6 +35,8 @@ RvpStatus gauss(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, Rvpi
     c.fail(roi.height < 1 || roi.width < 1, rvpStsSizeErr);
     c.fail(srcStep < roi.width || dstStep < roi.width, rvpStsStepErr);
     c.fail(badGaussArgs(k, borderType), rvpStsBadArgErr);
+    // Arguments whose buffer size would not fit an int (the query refuses them too).
+    c.fail(!fitsInt(gaussBytes(roi, k, owncvGetMaxNumThreads())), rvpStsSizeErr);
     if (c != rvpStsNoErr) return c;
 
     const int w = roi.width, H = roi.height, r = k / 2, type = borderType & 0xF;
@@ -42,7 +45,7 @@ RvpStatus gauss(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, Rvpi
     float* ring = reinterpret_cast<float*>(alignUp(reinterpret_cast<Rvp8u*>(taps + ((k + 3) & ~3)), 32));
     float** ptrs = reinterpret_cast<float**>(ring + static_cast<ptrdiff_t>(a) * 2 * k);
     Rvp8u* rowBuf = reinterpret_cast<Rvp8u*>(ptrs + 2 * k);
-    Rvp8u* colBuf = rowBuf + rowPipelineBytes(RowForm::P32f_C1, RvpiSize{w, k}, k, owncvGetMaxNumThreads());
+    Rvp8u* colBuf = rowBuf + static_cast<int>(rowPipelineBytes(RowForm::P32f_C1, RvpiSize{w, k}, k, owncvGetMaxNumThreads()));
 
     // A zero or NaN sigma would make every tap NaN; it takes the width
     // that suits the kernel size instead. A negative sigma acts by its square.
@@ -132,8 +135,7 @@ RVCV_EXPORT RvpStatus rvpiFilterGaussGetBufferSize_32f_C1R(RvpiSize roiSize, int
     if (pBufferSize == nullptr) return rvpStsNullPtrErr;
     if (roiSize.width < 1 || roiSize.height < 1) return rvpStsSizeErr;
     if (badGaussArgs(kernelSize, 0)) return rvpStsBadArgErr;
-    *pBufferSize = gaussBytes(roiSize, kernelSize, owncvGetMaxNumThreads());
-    return rvpStsNoErr;
+    return storeSize(gaussBytes(roiSize, kernelSize, owncvGetMaxNumThreads()), pBufferSize);
 }
 
 RVCV_EXPORT RvpStatus rvpiGenSobelKernel_16s(Rvp16s* pDst, int kernelSize, int dx, int sign) {

@@ -239,40 +239,44 @@ Rvp8u* alignUp(Rvp8u* p, uintptr_t a) {
 
 // ---- Per-thread layout -------------------------------------------------------
 
-int rowPerThread(RowForm f, int k) {
+// Sizes in 64 bits: where the description's 32-bit formulas fit they give
+// the same numbers; where they would wrap the callers refuse the arguments.
+int64_t rowPerThread(RowForm f, int64_t k) {
     switch (f) {
-    case RowForm::P8u16s_C1: return wadd(wmul(36, k), 112);
-    case RowForm::P8u16s_C3: return wmul(3, wadd(wmul(36, k), 112));
-    case RowForm::P16s_C1: return wadd(wmul(48, k), 80);
-    case RowForm::P16s_C3: return wmul(3, wadd(wmul(48, k), 80));
-    case RowForm::Low_C1: return wadd(wmul(24, k), 64);
-    case RowForm::Low_C3: return wmul(3, wadd(wmul(24, k), 64));
-    case RowForm::P32f_C1: return wadd(wmul(128, k), 64);
-    case RowForm::P32f_C3: return wadd(wmul(192, k), 32);
+    case RowForm::P8u16s_C1: return 36 * k + 112;
+    case RowForm::P8u16s_C3: return 3 * (36 * k + 112);
+    case RowForm::P16s_C1: return 48 * k + 80;
+    case RowForm::P16s_C3: return 3 * (48 * k + 80);
+    case RowForm::Low_C1: return 24 * k + 64;
+    case RowForm::Low_C3: return 3 * (24 * k + 64);
+    case RowForm::P32f_C1: return 128 * k + 64;
+    case RowForm::P32f_C3: return 192 * k + 32;
     }
     return 0;
 }
 
-int colPerThread(ColForm f, int w) {
+int64_t colPerThread(ColForm f, int64_t w) {
     switch (f) {
-    case ColForm::P16s_C1: return wadd(wmul((w + 3) & ~3, 12), 32);
-    case ColForm::P16s_C3: return wadd(wmul((w + 3) & ~3, 36), 32);
-    case ColForm::Low_C1: return wadd(wmul((w + 7) & ~7, 12), 32);
-    case ColForm::Low_C3: return wadd(wmul((w + 7) & ~7, 36), 32);
+    case ColForm::P16s_C1: return ((w + 3) & ~int64_t{3}) * 12 + 32;
+    case ColForm::P16s_C3: return ((w + 3) & ~int64_t{3}) * 36 + 32;
+    case ColForm::Low_C1: return ((w + 7) & ~int64_t{7}) * 12 + 32;
+    case ColForm::Low_C3: return ((w + 7) & ~int64_t{7}) * 36 + 32;
     case ColForm::P32f: return 0;
     }
     return 0;
 }
 
-int regionBytes(int maxThreads, int height, int k, int perThread) {
-    return wadd(wadd(wmul(maxThreads, 32), wmul(wadd(height, k), maxThreads, 8)), wmul(maxThreads, perThread));
+int64_t regionBytes(int64_t maxThreads, int64_t height, int64_t k, int64_t perThread) {
+    return maxThreads * 32 + (height + k) * maxThreads * 8 + maxThreads * perThread;
 }
 
 // Pipeline region: band threads with private copies of their slice of the
 // row-pointer array (`extra` entries beyond their rows: k - 1 for columns)
 // and work areas carved from pBuffer. The last status written is returned.
 template <class P, class Body>
-RvpStatus pipelineRegion(int height, int k, int extra, int perThread, Rvp8u* pBuffer, P* const* pp, Body&& body) {
+RvpStatus pipelineRegion(int height, int k, int extra, int64_t perThread64, Rvp8u* pBuffer, P* const* pp,
+                         Body&& body) {
+    const int perThread = static_cast<int>(perThread64);  // the whole size fits an int: checked first
     RvpStatus status = rvpStsNoErr;
     bandRegion(height, ownGetNumThreads(), [&](int y0, int rows) {
         const int n = owncvGetNumThreads(), id = owncvGetIdThreads();
@@ -322,13 +326,15 @@ RvpStatus runRows(RowForm form, const S* pSrc, int srcStep, D* const* ppDst, Rvp
 }
 
 template <class S>
-RvpStatus checkRow(const S* pSrc, int srcStep, const void* ppDst, RvpiSize roi, const void* pKernel, int k,
-                   int xAnchor, int borderType, const void* pBuffer, int C, bool evenTest) {
+RvpStatus checkRow(RowForm form, const S* pSrc, int srcStep, const void* ppDst, RvpiSize roi, const void* pKernel,
+                   int k, int xAnchor, int borderType, const void* pBuffer, int C, bool evenTest) {
     Check c;
     c.ptrs(pSrc, ppDst, pKernel, pBuffer);
     c.fail(roi.height < 1 || roi.width < 1 || k < 1, rvpStsSizeErr);
+    c.fail(rowPipelineBytes(form, roi, k, owncvGetMaxNumThreads()) > INT32_MAX, rvpStsSizeErr);
     c.fail(xAnchor < 0 || xAnchor >= k, rvpStsAnchorErr);
     c.step(srcStep, wmul(roi.width, C * static_cast<int>(sizeof(S))));
+    c.fail(static_cast<int64_t>(roi.width) * C * static_cast<int64_t>(sizeof(S)) > INT32_MAX, rvpStsStepErr);
     if (evenTest) c.evenSteps(static_cast<int>(sizeof(S)), srcStep);
     c.fail(!validPipelineBorder(borderType), rvpStsBadArgErr);
     return c;
@@ -336,9 +342,10 @@ RvpStatus checkRow(const S* pSrc, int srcStep, const void* ppDst, RvpiSize roi, 
 
 RvpStatus row8u16s(int C, const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roi, const Rvp16s* pKernel,
                    int k, int a, int borderType, Rvp8u bv, int divisor, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkRow(pSrc, srcStep, ppDst, roi, pKernel, k, a, borderType, pBuffer, C, false)) return st;
-    if (divisor == 0) return rvpStsBadArgErr;
     const RowForm form = C == 1 ? RowForm::P8u16s_C1 : RowForm::P8u16s_C3;
+    if (RvpStatus st = checkRow(form, pSrc, srcStep, ppDst, roi, pKernel, k, a, borderType, pBuffer, C, false))
+        return st;
+    if (divisor == 0) return rvpStsBadArgErr;
     TapStore taps(k);
     if (!taps.ok(k)) return rvpStsMemAllocErr;
     scaledTaps(pKernel, k, divisor, taps.get());
@@ -351,7 +358,9 @@ RvpStatus row8u16s(int C, const Rvp8u* pSrc, int srcStep, Rvp16s** ppDst, RvpiSi
 
 RvpStatus row16s(int C, const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roi, const Rvp16s* pKernel,
                  int k, int a, int borderType, Rvp16s bv, int divisor, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkRow(pSrc, srcStep, ppDst, roi, pKernel, k, a, borderType, pBuffer, C, true)) return st;
+    if (RvpStatus st = checkRow(C == 1 ? RowForm::P16s_C1 : RowForm::P16s_C3, pSrc, srcStep, ppDst, roi, pKernel, k,
+                                a, borderType, pBuffer, C, true))
+        return st;
     if (divisor == 0) return rvpStsBadArgErr;
     TapStore taps(k);
     if (!taps.ok(k)) return rvpStsMemAllocErr;
@@ -367,7 +376,9 @@ RvpStatus row16s(int C, const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSiz
 
 RvpStatus rowLow(int C, const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSize roi, const Rvp16s* pKernel,
                  int k, int a, int borderType, Rvp16s bv, int divisor, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkRow(pSrc, srcStep, ppDst, roi, pKernel, k, a, borderType, pBuffer, C, true)) return st;
+    if (RvpStatus st = checkRow(C == 1 ? RowForm::Low_C1 : RowForm::Low_C3, pSrc, srcStep, ppDst, roi, pKernel, k, a,
+                                borderType, pBuffer, C, true))
+        return st;
     if (divisor == 0) return rvpStsBadArgErr;
     return runRows(C == 1 ? RowForm::Low_C1 : RowForm::Low_C3, pSrc, srcStep, ppDst, roi, C, k, a, borderType, bv,
                    RowLow{pKernel, k, C, lowShift(divisor), divisor < 0}, pBuffer);
@@ -375,7 +386,9 @@ RvpStatus rowLow(int C, const Rvp16s* pSrc, int srcStep, Rvp16s** ppDst, RvpiSiz
 
 RvpStatus row32f(int C, const Rvp32f* pSrc, int srcStep, Rvp32f** ppDst, RvpiSize roi, const Rvp32f* pKernel,
                  int k, int a, int borderType, Rvp32f bv, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkRow(pSrc, srcStep, ppDst, roi, pKernel, k, a, borderType, pBuffer, C, true)) return st;
+    if (RvpStatus st = checkRow(C == 1 ? RowForm::P32f_C1 : RowForm::P32f_C3, pSrc, srcStep, ppDst, roi, pKernel, k,
+                                a, borderType, pBuffer, C, true))
+        return st;
     Row32f op{pKernel, k, C, false, false};
     if (C == 1 && k == 5 && roi.width >= 17 && a == 2)
         op.sym5 = pKernel[0] == pKernel[4] && pKernel[1] == pKernel[3];
@@ -416,12 +429,15 @@ RvpStatus runCols(ColForm form, const S* const* pp, D* pDst, int dstStep, RvpiSi
 }
 
 template <class S, class D>
-RvpStatus checkCol(const S* const* pp, D* pDst, int dstStep, RvpiSize roi, const void* pKernel, int k,
+RvpStatus checkCol(ColForm form, const S* const* pp, D* pDst, int dstStep, RvpiSize roi, const void* pKernel, int k,
                    const void* pBuffer, int C, bool divisorZero) {
     Check c;
     c.ptrs(pp, pDst, pKernel);
     c.fail(roi.height < 1 || roi.width < 1 || k < 1, rvpStsSizeErr);
+    c.fail(colPipelineBytes(form, roi, k, owncvGetMaxNumThreads()) > INT32_MAX ||
+               static_cast<int64_t>(roi.height) + k - 1 > INT32_MAX, rvpStsSizeErr);
     c.step(dstStep, wmul(roi.width, C * static_cast<int>(sizeof(D)))).evenSteps(static_cast<int>(sizeof(D)), dstStep);
+    c.fail(static_cast<int64_t>(roi.width) * C * static_cast<int64_t>(sizeof(D)) > INT32_MAX, rvpStsStepErr);
     c.ptr(pBuffer);
     c.fail(divisorZero, rvpStsBadArgErr);
     if (c == rvpStsNoErr)
@@ -433,7 +449,9 @@ RvpStatus checkCol(const S* const* pp, D* pDst, int dstStep, RvpiSize roi, const
 template <class D>
 RvpStatus col16s(int C, const Rvp16s** ppSrc, D* pDst, int dstStep, RvpiSize roi, const Rvp16s* pKernel, int k,
                  int divisor, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkCol(ppSrc, pDst, dstStep, roi, pKernel, k, pBuffer, C, divisor == 0)) return st;
+    if (RvpStatus st = checkCol(C == 1 ? ColForm::P16s_C1 : ColForm::P16s_C3, ppSrc, pDst, dstStep, roi, pKernel, k,
+                                pBuffer, C, divisor == 0))
+        return st;
     TapStore taps(k);
     if (!taps.ok(k)) return rvpStsMemAllocErr;
     scaledTaps(pKernel, k, divisor, taps.get());
@@ -443,14 +461,16 @@ RvpStatus col16s(int C, const Rvp16s** ppSrc, D* pDst, int dstStep, RvpiSize roi
 
 RvpStatus colLow(int C, const Rvp16s** ppSrc, Rvp16s* pDst, int dstStep, RvpiSize roi, const Rvp16s* pKernel, int k,
                  int divisor, Rvp8u* pBuffer) {
-    if (RvpStatus st = checkCol(ppSrc, pDst, dstStep, roi, pKernel, k, pBuffer, C, divisor == 0)) return st;
+    if (RvpStatus st = checkCol(C == 1 ? ColForm::Low_C1 : ColForm::Low_C3, ppSrc, pDst, dstStep, roi, pKernel, k,
+                                pBuffer, C, divisor == 0))
+        return st;
     return runCols(C == 1 ? ColForm::Low_C1 : ColForm::Low_C3, ppSrc, pDst, dstStep, roi, C, k,
                    ColLow{pKernel, k, lowShift(divisor), divisor < 0}, pBuffer);
 }
 
 RvpStatus col32f(int C, const Rvp32f** ppSrc, Rvp32f* pDst, int dstStep, RvpiSize roi, const Rvp32f* pKernel, int k,
                  Rvp8u* pBuffer) {
-    if (RvpStatus st = checkCol(ppSrc, pDst, dstStep, roi, pKernel, k, pBuffer, C, false)) return st;
+    if (RvpStatus st = checkCol(ColForm::P32f, ppSrc, pDst, dstStep, roi, pKernel, k, pBuffer, C, false)) return st;
     return runCols(ColForm::P32f, ppSrc, pDst, dstStep, roi, C, k, Col32f{pKernel, k}, pBuffer);
 }
 
@@ -462,14 +482,12 @@ RvpStatus querySize(RvpiSize roi, int k, int* pBufferSize) {
 
 RvpStatus rowQuery(RowForm f, RvpiSize roi, int k, int* pBufferSize) {
     if (RvpStatus st = querySize(roi, k, pBufferSize)) return st;
-    *pBufferSize = rowPipelineBytes(f, roi, k, owncvGetMaxNumThreads());
-    return rvpStsNoErr;
+    return storeSize(rowPipelineBytes(f, roi, k, owncvGetMaxNumThreads()), pBufferSize);
 }
 
 RvpStatus colQuery(ColForm f, RvpiSize roi, int k, int* pBufferSize) {
     if (RvpStatus st = querySize(roi, k, pBufferSize)) return st;
-    *pBufferSize = colPipelineBytes(f, roi, k, owncvGetMaxNumThreads());
-    return rvpStsNoErr;
+    return storeSize(colPipelineBytes(f, roi, k, owncvGetMaxNumThreads()), pBufferSize);
 }
 
 }  // namespace
@@ -504,12 +522,12 @@ template int fillBorder<Rvp8u>(const Rvp8u*, int, int, int, int, int, int, Rvp8u
 template int fillBorder<Rvp16s>(const Rvp16s*, int, int, int, int, int, int, Rvp16s, Rvp16s*, Rvp16s*&);
 template int fillBorder<Rvp32f>(const Rvp32f*, int, int, int, int, int, int, Rvp32f, Rvp32f*, Rvp32f*&);
 
-int rowPipelineBytes(RowForm f, RvpiSize roi, int k, int maxThreads) {
-    const int bytes = regionBytes(maxThreads, roi.height, k, rowPerThread(f, k));
-    return f == RowForm::P32f_C1 ? wadd(bytes, wmul(maxThreads, 16)) : bytes;
+int64_t rowPipelineBytes(RowForm f, RvpiSize roi, int k, int maxThreads) {
+    const int64_t bytes = regionBytes(maxThreads, roi.height, k, rowPerThread(f, k));
+    return f == RowForm::P32f_C1 ? bytes + int64_t{16} * maxThreads : bytes;
 }
 
-int colPipelineBytes(ColForm f, RvpiSize roi, int k, int maxThreads) {
+int64_t colPipelineBytes(ColForm f, RvpiSize roi, int k, int maxThreads) {
     if (f == ColForm::P32f) return 32;
     return regionBytes(maxThreads, roi.height, k, colPerThread(f, roi.width));
 }

@@ -97,6 +97,17 @@ inline Check& checkImage(Check& c, RvpiSize roi, int channels, S... steps) {
     return c.size(roi).steps(rowBytes, steps...).evenSteps(static_cast<int>(sizeof(T)), steps...);
 }
 
+// ---- Buffer sizes ---------------------------------------------------------------
+// Size queries compute in 64 bits. A size that does not fit an int is
+// refused with rvpStsSizeErr and nothing stored (the functions that take the
+// buffer refuse the same arguments); sizes that fit are stored as they are.
+inline bool fitsInt(int64_t bytes) { return bytes >= 0 && bytes <= INT32_MAX; }
+inline RvpStatus storeSize(int64_t bytes, int* pSize) {
+    if (!fitsInt(bytes)) return rvpStsSizeErr;
+    *pSize = static_cast<int>(bytes);
+    return rvpStsNoErr;
+}
+
 // ---- Cache query for the store-kind choice ----------------------------------
 // The variable starts at 0 so that a failed query reads as an empty cache.
 inline int maxCacheBytes() {

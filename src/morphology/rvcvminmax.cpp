@@ -21,8 +21,9 @@ char* ringLayout(char* from, const char* end, size_t rowBytes, size_t rows, size
     return reinterpret_cast<char*>(at);
 }
 
-int minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight) {
-    return wadd(wadd(wmul(wmul(2, maskHeight), wadd(wmul(roiWidth, pixelBytes), 32)), 32), wmul(32, maskHeight));
+int64_t minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight) {
+    const int64_t h = maskHeight;
+    return 2 * h * (static_cast<int64_t>(roiWidth) * pixelBytes + 32) + 32 + 32 * h;
 }
 
 template <class T>
@@ -35,6 +36,7 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
         .size(roi)
         .fail(mask.width < 1 || mask.height < 1, rvpStsMaskSizeErr)
         .fail(anchor.x < 0 || anchor.x >= mask.width || anchor.y < 0 || anchor.y >= mask.height, rvpStsAnchorErr)
+        .fail(!fitsInt(minMaxBufferSize(roi.width, B * channels, mask.height)), rvpStsSizeErr)
         .step(srcStep, rowBytes)
         .evenSteps(B, srcStep)
         .step(dstStep, rowBytes)
@@ -87,8 +89,7 @@ RvpStatus bufferSize(int roiWidth, RvpiSize mask, int pixelBytes, int* pSize) {
     Check c;
     c.ptr(pSize).fail(roiWidth < 1, rvpStsSizeErr).fail(mask.width < 1 || mask.height < 1, rvpStsMaskSizeErr);
     if (RvpStatus st = c) return st;
-    *pSize = minMaxBufferSize(roiWidth, pixelBytes, mask.height);
-    return rvpStsNoErr;
+    return storeSize(minMaxBufferSize(roiWidth, pixelBytes, mask.height), pSize);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #define RVCV_MINMAX_H
 
 #include <cstddef>
+#include <cstdint>
 
 #include "rvpcv.h"
 
@@ -62,8 +63,9 @@ RvpStatus filterMinMax(int op, int channels, const T* src, int srcStep, T* dst, 
 // widest vectors never split a cache line; else on 32-byte boundaries.
 char* ringLayout(char* from, const char* end, size_t rowBytes, size_t rows, size_t* stride);
 
-// 2*H*(roiWidth*P + 32) + 32 + 32*H in wrapping 32-bit arithmetic.
-int minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight);
+// 2*H*(roiWidth*P + 32) + 32 + 32*H, in 64 bits (callers refuse sizes
+// that do not fit an int).
+int64_t minMaxBufferSize(int roiWidth, int pixelBytes, int maskHeight);
 
 }  // namespace rvcv
 

@@ -127,23 +127,26 @@ RvpStatus buildState(int sampleType, int C, int roiWidth, const Rvp8u* pMask, in
                      RvpiMorphState** ppState, int* pSize, int mode, const MorphAnalysis& a) {
     const bool isFloat = sampleType == kSample32f;
     const int P = (isFloat ? 4 : 1) * C;
-    const int cells = wmul(W, H);
-    const int M = wadd(cells, 15) & ~15;
-    int padStep = 0, size = 0;
+    // Sizes in 64 bits; a state whose size would not fit an int is refused.
+    const int64_t cells = static_cast<int64_t>(W) * H;
+    const int64_t M = (cells + 15) & ~int64_t{15};
+    int64_t padStep = 0, size64 = 0;
     switch (a.kind) {
     case kMorphGeneral:
-        padStep = wadd(wmul(wadd(roiWidth, W), P), 15) & ~15;
-        size = wadd(wadd(wmul(33, M), 112), wmul(wmul(2, H), padStep));
+        padStep = ((static_cast<int64_t>(roiWidth) + W) * P + 15) & ~int64_t{15};
+        size64 = 33 * M + 112 + 2 * static_cast<int64_t>(H) * padStep;
         break;
-    case kMorphRect: size = wadd(wadd(M, 128), minMaxBufferSize(roiWidth, P, a.height)); break;
+    case kMorphRect: size64 = M + 128 + minMaxBufferSize(roiWidth, P, a.height); break;
     case kMorphRuns: {
-        const int E = wadd(wadd(wmul(wadd(wmul(a.height, a.runCount), 1), wadd(wmul(roiWidth, P), 32)), 40),
-                           wmul(40, a.height));
-        size = wadd(wadd(wadd(M, 160), wmul(8, wadd(a.rowCount, a.runCount))), E);
+        const int64_t E = (static_cast<int64_t>(a.height) * a.runCount + 1) * (static_cast<int64_t>(roiWidth) * P + 32) +
+                          40 + 40 * static_cast<int64_t>(a.height);
+        size64 = M + 160 + 8 * (static_cast<int64_t>(a.rowCount) + a.runCount) + E;
         break;
     }
-    default: size = wadd(M, 96); break;
+    default: size64 = M + 96; break;
     }
+    if (!fitsInt(size64)) return rvpStsSizeErr;
+    const int size = static_cast<int>(size64);
 
     Rvp8u* block = nullptr;
     if (mode == 0) {
@@ -444,14 +447,16 @@ void general(bool dilate, int C, const T* src, int ss, T* dst, int ds, int w, in
 template <class T>
 RvpStatus morph(bool dilate, int C, const T* src, int ss, T* dst, int ds, RvpiSize roi, int borderType,
                 RvpiMorphState* st) {
-    const int kind = st->shapeKind, sample = sizeof(T) == 4 ? kSample32f : kSample8u;
+    const int sample = sizeof(T) == 4 ? kSample32f : kSample8u;
     Check c;
-    c.ptrs(src, dst);
+    c.ptrs(src, dst, st);  // a null state is refused like any other pointer
+    if (c != rvpStsNoErr) return c;
     checkImage<T>(c, roi, C, ss, ds)
         .fail(borderType != rvpBorderRepl, rvpStsBadArgErr)
-        .fail(roi.width > st->roiWidth, rvpStsSizeErr)
-        .fail(st->sampleType != sample || st->channels != C, rvpStsBadArgErr);
+        .fail(st->sampleType != sample || st->channels != C, rvpStsBadArgErr)
+        .fail(roi.width > st->roiWidth, rvpStsSizeErr);
     if (RvpStatus s = c) return s;
+    const int kind = st->shapeKind;
     switch (kind) {
     case kMorphRuns: runs<T>(dilate, C, src, ss, dst, ds, roi.width, roi.height, st); return rvpStsNoErr;
     case kMorphGeneral: general<T>(dilate, C, src, ss, dst, ds, roi.width, roi.height, st); return rvpStsNoErr;

@@ -273,11 +273,37 @@ bool twoThreads(const T* mask, int ms, T* img, int is, int w, int h, int k, T* c
     return ran;
 }
 
+// Scratch bytes: 8u 4w + h + 161, 16u 2(4w + h) + 322, 32f 16w + h + 164,
+// 64f 32w + h + 168, in 64 bits.
+int64_t reconstructBytes(RvpiSize roi, int sampleBytes) {
+    const int64_t w = roi.width, h = roi.height;
+    switch (sampleBytes) {
+    case 1: return 4 * w + h + 161;
+    case 2: return 2 * (4 * w + h) + 322;
+    case 4: return 16 * w + h + 164;
+    default: return 32 * w + h + 168;
+    }
+}
+
+template <class T> bool hasNaN(const T* p, int step, int w, int h) {
+    if constexpr (std::is_floating_point<T>::value) {
+        for (int y = 0; y < h; ++y) {
+            const T* r = rowPtr(p, step, y);
+            bool nan = false;
+            for (int x = 0; x < w; ++x) nan |= r[x] != r[x];
+            if (nan) return true;
+        }
+    }
+    (void)p, (void)step, (void)w, (void)h;
+    return false;
+}
+
 template <class T, bool D>
 RvpStatus reconstruct(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, RvpiSize roi, Rvp8u* pBuffer,
                       int norm) {
     Check c;
     c.ptrs(pSrc, pSrcDst, pBuffer);
+    c.size(roi).fail(!fitsInt(reconstructBytes(roi, static_cast<int>(sizeof(T)))), rvpStsSizeErr);
     checkImage<T>(c, roi, 1, srcStep, srcDstStep).fail(norm != 0 && norm != 1, rvpStsBadArgErr);
     if (RvpStatus st = c) return st;
 
@@ -288,20 +314,22 @@ RvpStatus reconstruct(const T* pSrc, int srcStep, T* pSrcDst, int srcDstStep, Rv
     for (int i = 0; i < 4; ++i) work[i] = reinterpret_cast<T*>(l.rows[i]);
     std::memset(l.flags - 1, 1, static_cast<size_t>(h) + 2);
 
+    // A NaN compares false with everything, so where it stands in the order of
+    // the scans decides what it does: images holding NaN take the single-thread
+    // scans at every thread count, and give their result.
     const int threads = ownGetNumThreads();
-    if (h > 10 && w > 10 && threads > 1 &&
+    if (h > 10 && w > 10 && threads > 1 && !hasNaN(pSrc, srcStep, w, h) && !hasNaN(pSrcDst, srcDstStep, w, h) &&
         twoThreads<T, D>(pSrc, srcStep, pSrcDst, srcDstStep, w, h, k, work, l.flags, threads < 2 ? threads : 2))
         return rvpStsNoErr;
     singleThread<T, D>(pSrc, srcStep, pSrcDst, srcDstStep, w, h, k, work[0], l.flags);
     return rvpStsNoErr;
 }
 
-RvpStatus bufferSize(RvpiSize roi, int* pSize, int value) {
+RvpStatus bufferSize(RvpiSize roi, int* pSize, int sampleBytes) {
     Check c;
     c.ptr(pSize).size(roi);
     if (RvpStatus st = c) return st;
-    *pSize = value;
-    return rvpStsNoErr;
+    return storeSize(reconstructBytes(roi, sampleBytes), pSize);
 }
 
 }  // namespace
@@ -310,16 +338,16 @@ RvpStatus bufferSize(RvpiSize roi, int* pSize, int value) {
 using namespace rvcv;
 
 RVCV_EXPORT RvpStatus rvpiMorphReconstructGetBufferSize_8u_C1(RvpiSize roiSize, int* pBufferSize) {
-    return bufferSize(roiSize, pBufferSize, wadd(wadd(wmul(4, roiSize.width), roiSize.height), 161));
+    return bufferSize(roiSize, pBufferSize, 1);
 }
 RVCV_EXPORT RvpStatus rvpiMorphReconstructGetBufferSize_16u_C1(RvpiSize roiSize, int* pBufferSize) {
-    return bufferSize(roiSize, pBufferSize, wadd(wmul(2, wadd(wmul(4, roiSize.width), roiSize.height)), 322));
+    return bufferSize(roiSize, pBufferSize, 2);
 }
 RVCV_EXPORT RvpStatus rvpiMorphReconstructGetBufferSize_32f_C1(RvpiSize roiSize, int* pBufferSize) {
-    return bufferSize(roiSize, pBufferSize, wadd(wadd(wmul(16, roiSize.width), roiSize.height), 164));
+    return bufferSize(roiSize, pBufferSize, 4);
 }
 RVCV_EXPORT RvpStatus rvpiMorphReconstructGetBufferSize_64f_C1(RvpiSize roiSize, int* pBufferSize) {
-    return bufferSize(roiSize, pBufferSize, wadd(wadd(wmul(32, roiSize.width), roiSize.height), 168));
+    return bufferSize(roiSize, pBufferSize, 8);
 }
 
 #define RVCV_RECONSTRUCT(OP, D, S, T)                                                                              \

@@ -195,9 +195,12 @@ TEST_P(CannyPaths, TiesAndThresholds) {
 TEST(Canny, GetSizeAndValidation) {
     int size = -1;
     const std::pair<RvpiSize, int> sizes[] = {
-        {{4, 3}, 6 * 5 * 5 + 160 + 64}, {{1, 0xfffc}, 3 * 0xfffe * 5 + 176}, {{1, 0xfffd}, 3 * 0xffff * 9 + 176},
-        {{0xfffc, 0xfffd}, static_cast<int>(0xfffeu * 0xffffu * 9 + 160 + 16 * 0xfffc)}};  // wraps, undetected
+        {{4, 3}, 6 * 5 * 5 + 160 + 64}, {{1, 0xfffc}, 3 * 0xfffe * 5 + 176}, {{1, 0xfffd}, 3 * 0xffff * 9 + 176}};
     for (const auto& s : sizes) EXPECT_TRUE(rvpiCannyGetSize(s.first, &size) == rvpStsNoErr && size == s.second);
+    // A size past an int is refused, by the query and by the detector alike.
+    size = -1;
+    EXPECT_EQ(rvpiCannyGetSize({0xfffc, 0xfffd}, &size), rvpStsSizeErr);
+    EXPECT_EQ(size, -1);
     EXPECT_EQ(rvpiCannyGetSize({0, 3}, nullptr), rvpStsNullPtrErr);
     EXPECT_EQ(rvpiCannyGetSize({4, -1}, &size), rvpStsSizeErr);
 
