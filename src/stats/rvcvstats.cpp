@@ -10,35 +10,35 @@
 #include <utility>
 #include <type_traits>
 
+#include "rvcvcpu.h"
 #include "rvcvframe.h"
+#include "rvcvstats.h"
 
 namespace rvcv {
 namespace {
 
-// A pixel's value: channel `coi` of the first source, less that of the
-// second source or less `center`.
-template <class T> struct Value {
+template <class T> constexpr int typeIndex() {
+    return std::is_same<T, Rvp8u>::value ? 0 : std::is_same<T, Rvp8s>::value ? 1 : std::is_same<T, Rvp16u>::value ? 2 : 3;
+}
+
+const StatsKernels& kernels() { return pick(m7::kStats, avx2::kStats, avx512::kStats); }
+
+// One channel of a source, less a second source's or less `center`.
+template <class T> struct Plane {
     const T* a;
     int aStep;
     const T* b;  // null: subtract `center`
     int bStep;
-    int C, coi;
+    int C;
     double center;
 };
 
 struct MaskPlane {
-    const Rvp8u* p;
+    const Rvp8u* p;  // null: every pixel
     int step;
-    const Rvp8u* row(int y) const { return p ? rowPtr(p, step, y) : nullptr; }
 };
 
-// Partial results of a band: sum, sum of |x|, sum of squares, largest |x|.
-struct Sums {
-    double sum = 0, abs = 0, sq = 0, inf = 0;
-    int64_t count = 0;
-};
-
-inline Sums add(Sums a, const Sums& b) {
+inline StatSums add(StatSums a, const StatSums& b) {
     a.sum += b.sum;
     a.abs += b.abs;
     a.sq += b.sq;
@@ -47,64 +47,19 @@ inline Sums add(Sums a, const Sums& b) {
     return a;
 }
 
-template <class T> void sumRow(const Value<T>& v, const MaskPlane& m, int y, int w, Sums& s) {
-    const Rvp8u* mk = m.row(y);
-    const T* a = rowPtr(v.a, v.aStep, y) + v.coi;
-    const T* b = v.b ? rowPtr(v.b, v.bStep, y) + v.coi : nullptr;
-    const int C = v.C;
-    if constexpr (std::is_integral<T>::value) {
-        // Exact: |x| < 2^16, x^2 < 2^32, a row of them well inside 2^63.
-        int64_t s1 = 0, sa = 0, s2 = 0, inf = 0, n = 0;
-        const int64_t c = static_cast<int64_t>(v.center);
-        for (int x = 0; x < w; ++x) {
-            const int64_t on = mk ? (mk[x] != 0) : 1;
-            const int64_t d = (static_cast<int64_t>(a[x * C]) - (b ? static_cast<int64_t>(b[x * C]) : c)) * on;
-            const int64_t ad = d < 0 ? -d : d;
-            s1 += d;
-            sa += ad;
-            s2 += d * d;
-            inf = ad > inf ? ad : inf;
-            n += on;
-        }
-        s.sum += static_cast<double>(s1);
-        s.abs += static_cast<double>(sa);
-        s.sq += static_cast<double>(s2);
-        s.inf = static_cast<double>(inf) > s.inf ? static_cast<double>(inf) : s.inf;
-        s.count += n;
-    } else {
-        double p1[4] = {0, 0, 0, 0}, pa[4] = {0, 0, 0, 0}, p2[4] = {0, 0, 0, 0};
-        double inf = s.inf;
-        int64_t n = 0;
-        for (int x = 0; x < w; ++x) {
-            if (mk && !mk[x]) continue;
-            const double d = static_cast<double>(a[x * C]) - (b ? static_cast<double>(b[x * C]) : v.center);
-            const double ad = std::fabs(d);
-            p1[x & 3] += d;
-            pa[x & 3] += ad;
-            p2[x & 3] += d * d;
-            inf = ad > inf ? ad : inf;
-            ++n;
-        }
-        s.sum += (p1[0] + p1[1]) + (p1[2] + p1[3]);
-        s.abs += (pa[0] + pa[1]) + (pa[2] + pa[3]);
-        s.sq += (p2[0] + p2[1]) + (p2[2] + p2[3]);
-        s.inf = inf;
-        s.count += n;
-    }
-}
-
 // Bands over threads for images of maxThreads * 131072 pixels and more.
-template <class T> Sums reduce(const Value<T>& v, const MaskPlane& m, RvpiSize roi) {
-    const auto band = [&](int y0, int rows, Sums& s) {
-        for (int y = y0; y < y0 + rows; ++y) sumRow(v, m, y, roi.width, s);
+template <class T> StatSums reduce(const Plane<T>& v, const MaskPlane& m, RvpiSize roi) {
+    const StatSumBand k = kernels().sums[typeIndex<T>()][v.C == 3][m.p != nullptr][v.b != nullptr];
+    const auto band = [&](int y0, int rows, StatSums& s) {
+        k(v.a, v.aStep, v.b, v.bStep, m.p, m.step, y0, rows, roi.width, v.center, s);
     };
     const int maxThreads = owncvGetMaxNumThreads();
     if (static_cast<int64_t>(roi.width) * roi.height < static_cast<int64_t>(maxThreads) * 131072 || maxThreads <= 1) {
-        Sums s;
+        StatSums s{};
         band(0, roi.height, s);
         return s;
     }
-    return reductionRegion(roi.height, maxThreads, Sums{}, band, add);
+    return reductionRegion(roi.height, maxThreads, StatSums{}, band, add);
 }
 
 // The usual tests: null pointers, size, steps (each source's row bytes, the
@@ -125,7 +80,7 @@ RvpStatus validate(RvpiSize roi, int C, int coi, const Rvp8u* mask, bool masked,
     return c;
 }
 
-template <int K> double normOf(const Sums& s) {
+template <int K> double normOf(const StatSums& s) {
     return K == 0 ? s.inf : K == 1 ? s.abs : std::sqrt(s.sq);
 }
 
@@ -137,7 +92,7 @@ RvpStatus norm(const T* a, int aStep, const T* b, int bStep, bool two, const Rvp
                            : validate<T>(roi, C, coi, mask, masked, maskStep, {{a, aStep}}, out))
         return st;
     const int ch = C == 3 ? coi - 1 : 0;
-    const Sums s = reduce(Value<T>{a, aStep, two ? b : nullptr, bStep, C, ch, 0.0}, MaskPlane{mask, maskStep}, roi);
+    const StatSums s = reduce(Plane<T>{a + ch, aStep, two ? b + ch : nullptr, bStep, C, 0.0}, MaskPlane{mask, maskStep}, roi);
     if (s.count == 0) return rvpStsSizeErr;
     *out = normOf<K>(s);
     return rvpStsNoErr;
@@ -149,9 +104,9 @@ RvpStatus normRel(const T* a, int aStep, const T* b, int bStep, const Rvp8u* mas
     if (RvpStatus st = validate<T>(roi, C, coi, mask, true, maskStep, {{a, aStep}, {b, bStep}}, out)) return st;
     const int ch = C == 3 ? coi - 1 : 0;
     const MaskPlane m{mask, maskStep};
-    const Sums diff = reduce(Value<T>{a, aStep, b, bStep, C, ch, 0.0}, m, roi);
+    const StatSums diff = reduce(Plane<T>{a + ch, aStep, b + ch, bStep, C, 0.0}, m, roi);
     if (diff.count == 0) return rvpStsSizeErr;
-    const Sums den = reduce(Value<T>{b, bStep, nullptr, 0, C, ch, 0.0}, m, roi);
+    const StatSums den = reduce(Plane<T>{b + ch, bStep, nullptr, 0, C, 0.0}, m, roi);
     const double d = normOf<K>(den);
     *out = normOf<K>(diff) / d;
     return d == 0.0 ? rvpStsDivByZero : rvpStsNoErr;
@@ -164,8 +119,8 @@ RvpStatus meanStd(const T* a, int aStep, const Rvp8u* mask, int maskStep, bool m
                               : validate<T>(roi, C, coi, mask, masked, maskStep, {{a, aStep}}, mean))
         return st;
     const int ch = C == 3 ? coi - 1 : 0;
-    const MaskPlane m{mask, masked ? maskStep : 0};
-    const Sums s = reduce(Value<T>{a, aStep, nullptr, 0, C, ch, 0.0}, m, roi);
+    const MaskPlane m{masked ? mask : nullptr, maskStep};
+    const StatSums s = reduce(Plane<T>{a + ch, aStep, nullptr, 0, C, 0.0}, m, roi);
     if (s.count == 0) return rvpStsSizeErr;
     const double n = static_cast<double>(s.count), mu = s.sum / n;
     double var;
@@ -173,7 +128,7 @@ RvpStatus meanStd(const T* a, int aStep, const Rvp8u* mask, int maskStep, bool m
         var = (s.sq - s.sum * mu) / n;  // the sums are exact integers
     } else {
         // Floats: a second pass around the mean.
-        var = reduce(Value<T>{a, aStep, nullptr, 0, C, ch, mu}, m, roi).sq / n;
+        var = reduce(Plane<T>{a + ch, aStep, nullptr, 0, C, mu}, m, roi).sq / n;
     }
     *mean = mu;
     if (wantStd) *stdDev = std::sqrt(var > 0.0 ? var : 0.0);
@@ -181,23 +136,10 @@ RvpStatus meanStd(const T* a, int aStep, const Rvp8u* mask, int maskStep, bool m
 }
 
 // ---- Extremes ----------------------------------------------------------------
-struct Extremes {
-    double lo = 0, hi = 0;
-    int loX = 0, loY = 0, hiX = 0, hiY = 0;
-    bool any = false;   // a sample that is not NaN was met
-    bool seen = false;  // any selected pixel was met
-    int firstX = 0, firstY = 0;
-};
-
 // Earlier bands first: a later band wins only with a strictly better value.
-inline Extremes better(Extremes a, const Extremes& b) {
-    if (!a.seen) return b;
+inline StatExtremes better(StatExtremes a, const StatExtremes& b) {
     if (!b.any) return a;
-    if (!a.any) {
-        Extremes r = b;
-        r.firstX = a.firstX, r.firstY = a.firstY;
-        return r;
-    }
+    if (!a.any) return b;
     if (b.lo < a.lo) a.lo = b.lo, a.loX = b.loX, a.loY = b.loY;
     if (b.hi > a.hi) a.hi = b.hi, a.hiX = b.hiX, a.hiY = b.hiY;
     return a;
@@ -207,37 +149,28 @@ template <class T>
 RvpStatus minMax(const T* a, int aStep, const Rvp8u* mask, int maskStep, bool masked, RvpiSize roi, int C, int coi,
                  Rvp32f* lo, Rvp32f* hi, RvpiPoint* loAt, RvpiPoint* hiAt) {
     if (RvpStatus st = validate<T>(roi, C, coi, mask, masked, maskStep, {{a, aStep}}, lo, hi, loAt, hiAt)) return st;
-    const int ch = C == 3 ? coi - 1 : 0;
-    const MaskPlane m{mask, masked ? maskStep : 0};
-    const auto band = [&](int y0, int rows, Extremes& e) {
-        for (int y = y0; y < y0 + rows; ++y) {
-            const T* r = rowPtr(a, aStep, y) + ch;
-            const Rvp8u* mk = m.row(y);
-            for (int x = 0; x < roi.width; ++x) {
-                if (mk && !mk[x]) continue;
-                if (!e.seen) e.seen = true, e.firstX = x, e.firstY = y;
-                const double v = static_cast<double>(r[x * C]);
-                if (v != v) continue;  // NaN is no candidate
-                if (!e.any) {
-                    e.any = true;
-                    e.lo = e.hi = v;
-                    e.loX = e.hiX = x, e.loY = e.hiY = y;
-                    continue;
-                }
-                if (v < e.lo) e.lo = v, e.loX = x, e.loY = y;
-                if (v > e.hi) e.hi = v, e.hiX = x, e.hiY = y;
-            }
-        }
-    };
-    Extremes e;
+    const T* src = a + (C == 3 ? coi - 1 : 0);
+    const Rvp8u* m = masked ? mask : nullptr;
+    const StatExtBand k = kernels().extremes[typeIndex<T>()][C == 3][masked];
+    const auto band = [&](int y0, int rows, StatExtremes& e) { k(src, aStep, m, maskStep, y0, rows, roi.width, e); };
+    StatExtremes e{};
     const int threads = owncvGetMaxNumThreads();
     if (static_cast<int64_t>(roi.width) * roi.height < 16384 || threads <= 1) band(0, roi.height, e);
-    else e = reductionRegion(roi.height, threads, Extremes{}, band, better);
-    if (!e.seen) return rvpStsSizeErr;
+    else e = reductionRegion(roi.height, threads, StatExtremes{}, band, better);
     if (!e.any) {
-        // Only NaN: the values are NaN at the first selected pixel.
+        // No sample but NaN: the values are NaN at the first selected pixel.
+        int x = 0, y = 0;
+        if (m) {
+            for (; y < roi.height; ++y) {
+                const Rvp8u* r = rowPtr(m, maskStep, y);
+                for (x = 0; x < roi.width && !r[x]; ++x) {
+                }
+                if (x < roi.width) break;
+            }
+            if (y == roi.height) return rvpStsSizeErr;
+        }
         *lo = *hi = static_cast<Rvp32f>(NAN);
-        *loAt = *hiAt = RvpiPoint{e.firstX, e.firstY};
+        *loAt = *hiAt = RvpiPoint{x, y};
         return rvpStsNoErr;
     }
     *lo = static_cast<Rvp32f>(e.lo);

@@ -134,8 +134,9 @@ template <class T> void compare(RvpiSize sz, int C, uint32_t seed, bool masked) 
 
 template <class T> void sweep() {
     uint32_t seed = 1;
-    for (int threads : threadCounts()) {
-        ScopedThreads team(threads);
+    for (const PathConfig& path : pathConfigs()) {
+        ScopedIsa isa(path.isa);
+        ScopedThreads team(path.threads);
         for (const RvpiSize sz : {RvpiSize{1, 1}, RvpiSize{7, 3}, RvpiSize{33, 17}, RvpiSize{129, 130}})
             for (int C : {1, 3})
                 for (bool masked : {true, false}) compare<T>(sz, C, ++seed, masked);
@@ -152,8 +153,9 @@ TEST(Stats, MatchReference8s) { sweep<Rvp8s>(); }
 TEST(Stats, MatchReference16u) { sweep<Rvp16u>(); }
 TEST(Stats, MatchReference32f) { sweep<Rvp32f>(); }
 
-// One team size gives one result, float sums included; integer sums are the
-// same for every team, including one too large for the stack slots.
+// One team size gives one result at every dispatch level, float sums
+// included; integer sums are the same for every team, including one too
+// large for the stack slots.
 TEST(Stats, TeamsAreDeterministic) {
     const RvpiSize sz{1031, 1100};
     Image<Rvp32f> f(sz.width, sz.height);
@@ -175,6 +177,11 @@ TEST(Stats, TeamsAreDeterministic) {
         EXPECT_TRUE(m1 == m2 && s1 == s2) << threads;
         if (threads == 1) first = v1;
         EXPECT_NEAR(v1, first, 1e-12 * first);  // float sums: order only
+        for (rvcv::Isa level : isaLevels()) {
+            ScopedIsa isa(level);
+            ASSERT_EQ(rvpiNorm_L2_32f_C1MR(f.ptr(), f.step(), mask.ptr(), mask.step(), sz, &v2), rvpStsNoErr);
+            EXPECT_TRUE(sameBits(&v1, &v2, sizeof v1)) << rvcv::isaName(level);
+        }
         Rvp64f n;
         ASSERT_EQ(rvpiNorm_L1_8u_C1MR(u.ptr(), u.step(), mask.ptr(), mask.step(), sz, &n), rvpStsNoErr);
         if (threads == 1) l1 = n;
