@@ -1221,6 +1221,287 @@ RVPAPI RvpStatus rvpiGrayErodeBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8
 RVPAPI RvpStatus rvpiGrayErodeBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                              RvpiSize roiSize, int borderType, RvpiMorphGrayState* pState);
 
+/* ---- Norms and statistics ------------------------------------------------ */
+/* Reductions over the pixels whose mask byte is nonzero (every pixel in the
+ * unmasked C1R and C3CR forms), of one channel: coi 1, 2 or 3 in the C3C
+ * forms. Inf is the largest |x|, L1 the sum of |x|, L2 the root of the sum
+ * of x^2; NormDiff works on x1 - x2, NormRel is NormDiff(x1, x2) / Norm(x2)
+ * of the same kind. Mean is the sum over the count, the deviation the
+ * population one (divided by the count; floats in a second pass around the
+ * mean). MinMaxIndx gives the extremes as floats and the (x, y) of their first
+ * occurrence in raster order.
+ * Integer samples are summed exactly; float samples in double precision.
+ * Images of maxThreads * 131072 pixels and more (16384 for MinMaxIndx) are
+ * reduced in bands, one partial result per thread combined in thread order:
+ * one team size gives one result, another team size may change the last bits
+ * of a float sum.
+ * NaN: a NaN sample makes the L1 and L2 norms, the mean and the deviation
+ * NaN; the Inf norm and the extremes pass it over (all-NaN selections give
+ * an Inf norm of 0 and extremes of NaN at the first selected pixel).
+ * Statuses: NullPtr, Size (also no selected pixel, nothing written), Step
+ * (a source step below the row's bytes, maskStep below the width),
+ * NotEvenStep (a source step not a multiple of the sample size), COI, and
+ * DivByZero from NormRel when the denominator is 0 (the quotient, an
+ * infinity or NaN, is still stored). */
+RVPAPI RvpStatus rvpiNorm_Inf_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                        const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                         Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_8u_C1MR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                        const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_8u_C3CMR(const Rvp8u* pSrc1, int src1Step, const Rvp8u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                         Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                        const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                         Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                     RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_8s_C1MR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                        const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_8s_C3CMR(const Rvp8s* pSrc1, int src1Step, const Rvp8s* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                         Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                        RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                            const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                            Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_16u_C1MR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_16u_C3CMR(const Rvp16u* pSrc1, int src1Step, const Rvp16u* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_Inf_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                        RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_Inf_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                            const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                            Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_Inf_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L1_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L1_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L1_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                      RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_32f_C1MR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                         const Rvp8u* pMask, int maskStep, RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNorm_L2_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                       RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormDiff_L2_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                           const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                           Rvp64f* pValue);
+RVPAPI RvpStatus rvpiNormRel_L2_32f_C3CMR(const Rvp32f* pSrc1, int src1Step, const Rvp32f* pSrc2, int src2Step,
+                                          const Rvp8u* pMask, int maskStep, RvpiSize roiSize, int coi,
+                                          Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                  RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8u_C1MR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                        RvpiSize roiSize, Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                        RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                   RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, int coi, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8u_C3CMR(const Rvp8u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, int coi, Rvp32f* pMinVal, Rvp32f* pMaxVal,
+                                         RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, Rvp64f* pMean,
+                                        Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, Rvp32f* pMinVal,
+                                       Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_8u_C3CR(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp64f* pMean,
+                                         Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8u_C3CR(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp32f* pMinVal,
+                                        Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                  RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8s_C1MR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                        RvpiSize roiSize, Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                        RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                   RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, int coi, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8s_C3CMR(const Rvp8s* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, int coi, Rvp32f* pMinVal, Rvp32f* pMaxVal,
+                                         RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_8s_C1R(const Rvp8s* pSrc, int srcStep, RvpiSize roiSize, Rvp64f* pMean,
+                                        Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8s_C1R(const Rvp8s* pSrc, int srcStep, RvpiSize roiSize, Rvp32f* pMinVal,
+                                       Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_8s_C3CR(const Rvp8s* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp64f* pMean,
+                                         Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_8s_C3CR(const Rvp8s* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp32f* pMinVal,
+                                        Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                   RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_16u_C1MR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                         RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                    RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                           RvpiSize roiSize, int coi, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_16u_C3CMR(const Rvp16u* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, int coi, Rvp32f* pMinVal, Rvp32f* pMaxVal,
+                                          RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_16u_C1R(const Rvp16u* pSrc, int srcStep, RvpiSize roiSize, Rvp64f* pMean,
+                                         Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_16u_C1R(const Rvp16u* pSrc, int srcStep, RvpiSize roiSize, Rvp32f* pMinVal,
+                                        Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_16u_C3CR(const Rvp16u* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp64f* pMean,
+                                          Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_16u_C3CR(const Rvp16u* pSrc, int srcStep, RvpiSize roiSize, int coi,
+                                         Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                         RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                   RvpiSize roiSize, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_32f_C1MR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                         RvpiSize roiSize, Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                         RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                    RvpiSize roiSize, int coi, Rvp64f* pValue);
+RVPAPI RvpStatus rvpiMean_StdDev_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                           RvpiSize roiSize, int coi, Rvp64f* pMean, Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_32f_C3CMR(const Rvp32f* pSrc, int srcStep, const Rvp8u* pMask, int maskStep,
+                                          RvpiSize roiSize, int coi, Rvp32f* pMinVal, Rvp32f* pMaxVal,
+                                          RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, Rvp64f* pMean,
+                                         Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, Rvp32f* pMinVal,
+                                        Rvp32f* pMaxVal, RvpiPoint* pMinIndex, RvpiPoint* pMaxIndex);
+RVPAPI RvpStatus rvpiMean_StdDev_32f_C3CR(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, int coi, Rvp64f* pMean,
+                                          Rvp64f* pStdDev);
+RVPAPI RvpStatus rvpiMinMaxIndx_32f_C3CR(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, int coi,
+                                         Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
+                                         RvpiPoint* pMaxIndex);
+
 #ifdef __cplusplus
 }
 #endif

@@ -128,6 +128,28 @@ def test_segmentation_motion_geometry_and_inpainting():
     assert abs(int(restored[205, 200]) - int(IMG[205, 200])) < 60
 
 
+def test_statistics_match_numpy():
+    rng = np.random.default_rng(4)
+    rgb = rng.integers(0, 65536, (61, 83, 3)).astype(np.uint16)
+    other = rng.integers(0, 65536, rgb.shape).astype(np.uint16)
+    mask = (rng.random(rgb.shape[:2]) < 0.6).astype(np.uint8)
+    ch, sel = rgb[:, :, 1].astype(np.float64), mask > 0
+    assert rvpcv.norm(rgb, "l1", mask, coi=2) == np.abs(ch[sel]).sum()
+    assert rvpcv.norm_diff(rgb, other, "inf", mask, coi=2) == np.abs(ch - other[:, :, 1])[sel].max()
+    assert np.isclose(rvpcv.mean_std(rgb, mask, coi=2)[1], ch[sel].std(), rtol=1e-12)
+    f = rng.standard_normal((40, 50)).astype(np.float32)
+    f[3, 4] = np.nan
+    lo, hi, at_lo, at_hi = rvpcv.min_max(f)
+    assert lo == np.nanmin(f) and at_lo == tuple(np.argwhere(f == lo)[0][::-1])
+    assert np.isnan(rvpcv.norm(f)) and rvpcv.norm(f, "inf") == np.nanmax(np.abs(f))
+    with pytest.warns(rvpcv.StatusWarning):
+        assert np.isinf(rvpcv.norm_rel(f, np.zeros_like(f), "l1", (~np.isnan(f)).astype(np.uint8)))
+    with pytest.raises(rvpcv.SizeError):
+        rvpcv.mean(f, np.zeros(f.shape, np.uint8))
+    with pytest.raises(ValueError):
+        rvpcv.mean(rgb)
+
+
 def test_threads_run_calls_at_once():
     rvpcv.set_num_threads(2)
     assert rvpcv.get_num_threads() == 2

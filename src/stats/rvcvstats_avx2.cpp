@@ -1,0 +1,3 @@
+// Statistics kernels for processors with AVX2 (built with -mavx2).
+#define RVCV_ISA_NS avx2
+#include "rvcvstats_k.h"
