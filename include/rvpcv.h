@@ -1074,6 +1074,153 @@ RVPAPI RvpStatus rvpiInpaint_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst,
 RVPAPI RvpStatus rvpiInpaintFree_8u_C1R(RvpiInpaintState* pState);
 RVPAPI RvpStatus rvpiInpaintFree_8u_C3R(RvpiInpaintState* pState);
 
+/* ---- Composite morphology ------------------------------------------------- */
+/* Opening (erosion, then dilation), closing (dilation, then erosion),
+ * top-hat (source - opening), black-hat (closing - source) and gradient
+ * (dilation - erosion) by one structuring element, each pass with the rules
+ * of rvpiDilateBorderReplicate / rvpiErodeBorderReplicate (replicated
+ * border); the differences saturate at 0 for 8u. The state holds the
+ * analysed mask and two band images (the image is processed in bands of
+ * rows, so no image of the full size is made); it is built like the
+ * structuring-element state: GetSize reports the bytes for the centred
+ * anchor, Init builds in the caller's memory, InitAlloc allocates, and
+ * rvpiMorphAdvFree releases. Statuses of GetSize/Init/InitAlloc: NullPtr
+ * (pMask, then pSize / pState / ppState), Size (roiWidth or mask size below 1,
+ * or a state that would not fit an int), Anchor, MemAlloc. */
+typedef struct RvpiMorphAdvState RvpiMorphAdvState;
+RVPAPI RvpStatus rvpiMorphAdvGetSize_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvGetSize_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvGetSize_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvGetSize_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvGetSize_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvGetSize_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphAdvInit_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                         RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_8u_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                              RvpiMorphAdvState** ppState);
+RVPAPI RvpStatus rvpiMorphAdvInit_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                         RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_8u_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                              RvpiMorphAdvState** ppState);
+RVPAPI RvpStatus rvpiMorphAdvInit_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                         RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_8u_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                              RvpiMorphAdvState** ppState);
+RVPAPI RvpStatus rvpiMorphAdvInit_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_32f_C1R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphAdvState** ppState);
+RVPAPI RvpStatus rvpiMorphAdvInit_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_32f_C3R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphAdvState** ppState);
+RVPAPI RvpStatus rvpiMorphAdvInit_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphAdvInitAlloc_32f_C4R(int roiWidth, const Rvp8u* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphAdvState** ppState);
+/* Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiMorphAdvFree(RvpiMorphAdvState* pState);
+/* pSrc and pDst must not overlap. Statuses: NullPtr (pSrc, pDst, pState), Size,
+ * Step, NotEvenStep (32f), BadArg (borderType other than rvpBorderRepl, a
+ * state of another layout), Size (width above the state's roiWidth). */
+RVPAPI RvpStatus rvpiMorphOpenBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphOpenBorder_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphOpenBorder_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphOpenBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphOpenBorder_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphOpenBorder_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphCloseBorder_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                               RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                               RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphTophatBorder_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                               RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphBlackhatBorder_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_8u_C4R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+RVPAPI RvpStatus rvpiMorphGradientBorder_32f_C4R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                 RvpiSize roiSize, int borderType, RvpiMorphAdvState* pState);
+
+/* ---- Gray-scale morphology -------------------------------------------------- */
+/* Dilation and erosion by a non-flat structuring element: a value in each of
+ * the maskSize cells (Rvp32s for 8u images, Rvp32f for 32f), anchor at
+ * anchor. With the replicated border s(x, y) = src(clamp(x), clamp(y)):
+ *   dilation: dst(x, y) = max over cells (c, r) of s(x + c - ax, y + r - ay) + v(c, r)
+ *   erosion:  dst(x, y) = min over cells of s(x + c - ax, y + r - ay) - v(c, r)
+ * 8u: each sum saturates to 0..255 (so values beyond +-255 act as +-255, and
+ * a cell of -255 or less never changes a result); 32f: single precision, a
+ * cell of -infinity is left out of the element, NaN samples are passed over
+ * (a pixel that sees only NaN gets -inf or +inf), and a value of 0 takes the
+ * sample itself. An element of zeros gives the binary-mask result of
+ * rvpiDilateBorderReplicate / rvpiErodeBorderReplicate over its rectangle.
+ * State functions as for composite morphology; GetSize/Init/InitAlloc
+ * statuses: NullPtr, Size, Anchor, BadArg (a NaN value, or no cell left),
+ * MemAlloc. */
+typedef struct RvpiMorphGrayState RvpiMorphGrayState;
+RVPAPI RvpStatus rvpiMorphGrayGetSize_8u_C1R(int roiWidth, const Rvp32s* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphGrayInit_8u_C1R(int roiWidth, const Rvp32s* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                          RvpiMorphGrayState* pState);
+RVPAPI RvpStatus rvpiMorphGrayInitAlloc_8u_C1R(int roiWidth, const Rvp32s* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                               RvpiMorphGrayState** ppState);
+RVPAPI RvpStatus rvpiMorphGrayGetSize_32f_C1R(int roiWidth, const Rvp32f* pMask, RvpiSize maskSize, int* pSize);
+RVPAPI RvpStatus rvpiMorphGrayInit_32f_C1R(int roiWidth, const Rvp32f* pMask, RvpiSize maskSize, RvpiPoint anchor,
+                                           RvpiMorphGrayState* pState);
+RVPAPI RvpStatus rvpiMorphGrayInitAlloc_32f_C1R(int roiWidth, const Rvp32f* pMask, RvpiSize maskSize,
+                                                RvpiPoint anchor, RvpiMorphGrayState** ppState);
+RVPAPI RvpStatus rvpiMorphGrayFree(RvpiMorphGrayState* pState);
+/* Statuses as for the composite operations (one channel). */
+RVPAPI RvpStatus rvpiGrayDilateBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphGrayState* pState);
+RVPAPI RvpStatus rvpiGrayDilateBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, int borderType, RvpiMorphGrayState* pState);
+RVPAPI RvpStatus rvpiGrayErodeBorder_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                            RvpiSize roiSize, int borderType, RvpiMorphGrayState* pState);
+RVPAPI RvpStatus rvpiGrayErodeBorder_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                             RvpiSize roiSize, int borderType, RvpiMorphGrayState* pState);
+
 /* ---- Norms and statistics ------------------------------------------------ */
 /* Reductions over the pixels whose mask byte is nonzero (every pixel in the
  * unmasked C1R and C3CR forms), of one channel: coi 1, 2 or 3 in the C3C

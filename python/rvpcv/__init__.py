@@ -16,7 +16,8 @@ from .detect import canny, eigenvalues_vectors, integral, min_eigenvalue
 from .filters import box_blur, gaussian, laplacian, scharr, sobel
 from .geometry import undistort, undistort_maps
 from .inpaint import inpaint
-from .morphology import dilate, erode, max_filter, min_filter, reconstruct
+from .morphology import (dilate, erode, gray_dilate, gray_erode, max_filter, min_filter, morphology_ex,
+                         reconstruct)
 from .motion import GaussianBackground, HistogramBackground, update_motion_history
 from .segment import bound_segments, segment_gradient, watershed
 from .stats import mean, mean_std, min_max, norm, norm_diff, norm_rel

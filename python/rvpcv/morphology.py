@@ -14,28 +14,65 @@ def _element(mask):
     return m
 
 
-def _morph(op, img, mask, anchor, out):
+def _apply(kind, fn, img, mask, anchor, out, channels=(1, 3, 4), values=None):
+    """Builds a state of `kind` (Morphology, MorphAdv, MorphGray) for the mask,
+    runs rvpi<fn>_<type>_C<n>R with it and releases it."""
     img = np.asarray(img)
     t = _TYPES.get(img.dtype)
     ch = 1 if img.ndim == 2 else img.shape[2]
-    if t is None or ch not in (1, 3, 4):
-        raise TypeError("%s: uint8 or float32 images with 1, 3 or 4 channels" % op)
-    m = _element(mask)
+    if t is None or ch not in channels:
+        raise TypeError("%s: uint8 or float32 images with %s channels" % (fn, " or ".join(map(str, channels))))
+    if values is None:
+        m, ctype = _element(mask), "Rvp8u *"
+    else:
+        m = np.ascontiguousarray(values, dtype=np.int32 if t == "8u" else np.float32)
+        if m.ndim != 2 or m.size == 0:
+            raise ValueError("values: a 2-D array")
+        ctype = "Rvp32s *" if t == "8u" else "Rvp32f *"
     ia = Image(img, img.dtype, ch, "image")
     out = output(out, ia.array.shape, img.dtype)
     io = Image(out, img.dtype, ch, "out", writable=True)
     h, w = m.shape
     anchor = anchor or (w // 2, h // 2)
-    state = ffi.new("RvpiMorphState **")
+    state = ffi.new("Rvpi%sState **" % ("Morph" if kind == "Morphology" else kind))
     suffix = "%s_C%dR" % (t, ch)
-    call("rvpiMorphologyInitAlloc_" + suffix, ia.width, ffi.cast("Rvp8u *", m.ctypes.data), size(w, h),
-         point(*anchor), state)
+    call("rvpi%sInitAlloc_%s" % (kind, suffix), ia.width, ffi.cast(ctype, m.ctypes.data), size(w, h), point(*anchor),
+         state)
     try:
-        call("rvpi%sBorderReplicate_%s" % (op, suffix), ia.ptr, ia.step, io.ptr, io.step, ia.size, lib.rvpBorderRepl,
-             state[0])
+        call("rvpi%s_%s" % (fn, suffix), ia.ptr, ia.step, io.ptr, io.step, ia.size, lib.rvpBorderRepl, state[0])
     finally:
-        lib.rvpiMorphologyFree(state[0])
+        getattr(lib, "rvpi%sFree" % kind)(state[0])
     return out
+
+
+def _morph(op, img, mask, anchor, out):
+    return _apply("Morphology", op + "BorderReplicate", img, mask, anchor, out)
+
+
+_COMPOSITE = {"open": "Open", "close": "Close", "tophat": "Tophat", "blackhat": "Blackhat", "gradient": "Gradient"}
+
+
+@documented("rvpiMorphOpenBorder_8u_C1R")
+def morphology_ex(op, img, mask, anchor=None, out=None):
+    """Composite morphology by the set cells of `mask`: op is 'open',
+    'close', 'tophat' (img - opening), 'blackhat' (closing - img) or
+    'gradient' (dilation - erosion); replicated border."""
+    if op not in _COMPOSITE:
+        raise ValueError("op: one of %s" % ", ".join(_COMPOSITE))
+    return _apply("MorphAdv", "Morph%sBorder" % _COMPOSITE[op], img, mask, anchor, out)
+
+
+@documented("rvpiGrayDilateBorder_8u_C1R")
+def gray_dilate(img, values, anchor=None, out=None):
+    """Maximum of sample + value over a non-flat element (int values for
+    uint8 images, float32 for float32; -inf leaves a cell out)."""
+    return _apply("MorphGray", "GrayDilateBorder", img, None, anchor, out, (1,), values)
+
+
+@documented("rvpiGrayErodeBorder_8u_C1R")
+def gray_erode(img, values, anchor=None, out=None):
+    """Minimum of sample - value over a non-flat element."""
+    return _apply("MorphGray", "GrayErodeBorder", img, None, anchor, out, (1,), values)
 
 
 @documented("rvpiErodeBorderReplicate_8u_C1R")

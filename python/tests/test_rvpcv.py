@@ -57,6 +57,17 @@ def test_filters_and_morphology_match_scipy():
     assert np.array_equal(table[1:, 1:], IMG.astype(np.int64).cumsum(0).cumsum(1).astype(np.int32))
 
 
+def test_composite_and_gray_morphology_match_scipy():
+    import scipy.ndimage as ndi
+    disk = (np.add.outer(np.arange(-3, 4) ** 2, np.arange(-3, 4) ** 2) <= 9).astype(np.uint8)
+    opened = rvpcv.morphology_ex("open", IMG, disk)
+    assert np.array_equal(opened, ndi.grey_opening(IMG, footprint=disk, mode="nearest"))
+    assert np.array_equal(rvpcv.morphology_ex("tophat", IMG, disk), IMG - opened)
+    values = np.arange(9, dtype=np.int32).reshape(3, 3) - 4
+    want = ndi.grey_dilation(IMG.astype(np.int32), structure=values, mode="nearest").clip(0, 255)
+    assert np.array_equal(rvpcv.gray_dilate(IMG, values[::-1, ::-1]), want)
+
+
 def test_reconstruction_matches_scikit_image():
     morphology = pytest.importorskip("skimage.morphology")
     seed = np.maximum(IMG.astype(np.int16) - 40, 0).astype(np.uint8)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace ref {
@@ -133,6 +134,38 @@ Plane<T> morphology(const Plane<T>& s, const std::vector<unsigned char>& mask, i
     for (int y = 0; y < s.h; ++y)
         for (int x = 0; x < s.w; ++x)
             for (int ch = 0; ch < s.c; ++ch) out.at(x, y, ch) = f.clamped(x - dx, y - dy, ch);
+    return out;
+}
+
+// Gray-scale morphology: max of s + v (dilation) or min of s - v (erosion)
+// over the cells, clamped coordinates; 8u sums saturate; a 32f cell of
+// -infinity is left out and a value of 0 takes the sample itself.
+template <class T, class V>
+Plane<T> grayMorphology(const Plane<T>& s, const std::vector<V>& values, int W, int H, int ax, int ay, bool dilate) {
+    Plane<T> out(s.w, s.h, 1);
+    for (int y = 0; y < s.h; ++y)
+        for (int x = 0; x < s.w; ++x) {
+            bool any = false;
+            double acc = 0;
+            for (int r = 0; r < H; ++r)
+                for (int c = 0; c < W; ++c) {
+                    const V v = values[static_cast<size_t>(r) * W + c];
+                    if (std::is_floating_point<V>::value && v == -std::numeric_limits<V>::infinity()) continue;
+                    const T p = s.clamped(x + c - ax, y + r - ay, 0);
+                    double t;
+                    if (std::is_floating_point<T>::value) {
+                        t = v == 0 ? p : static_cast<float>(dilate ? p + static_cast<float>(v) : p - static_cast<float>(v));
+                    } else {
+                        t = dilate ? static_cast<double>(p) + v : static_cast<double>(p) - v;
+                        t = t < 0 ? 0 : t > 255 ? 255 : t;
+                    }
+                    if (t != t) continue;
+                    if (!any || (dilate ? t > acc : t < acc)) acc = t;
+                    any = true;
+                }
+            if (!any) acc = dilate ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+            out.at(x, y, 0) = static_cast<T>(acc);
+        }
     return out;
 }
 

@@ -1,5 +1,7 @@
-// erode, dilate: structuring-element morphology of 8-bit gray or colour
-// images with a rectangle, disk or cross, anchored at the centre.
+// erode, dilate, morph: structuring-element morphology of 8-bit gray or
+// colour images with a rectangle, disk or cross, anchored at the centre;
+// morph runs the composite operations (opening, closing, top-hat,
+// black-hat, gradient).
 #include <cstdlib>
 #include <cstring>
 
@@ -81,6 +83,63 @@ const Command kDilate{"dilate", "IN OUT --mask rect:WxH|disk:R|cross:R",
 int runErode(const Args& args) { return run(false, kErode, args); }
 int runDilate(const Args& args) { return run(true, kDilate, args); }
 
+const char* const kOps[] = {"open", "close", "tophat", "blackhat", "gradient"};
+
+RvpStatus applyComposite(int op, const Picture& in, Picture& out, const Element& e) {
+    const RvpiSize roi{in.width, in.height}, mask{e.w, e.h};
+    const RvpiPoint anchor{e.w / 2, e.h / 2};
+    const int ci = in.channels == 3 ? 1 : in.channels == 4 ? 2 : 0;
+    using Init = RvpStatus (*)(int, const Rvp8u*, RvpiSize, RvpiPoint, RvpiMorphAdvState**);
+    using Fn = RvpStatus (*)(const Rvp8u*, int, Rvp8u*, int, RvpiSize, int, RvpiMorphAdvState*);
+    const Init inits[3] = {rvpiMorphAdvInitAlloc_8u_C1R, rvpiMorphAdvInitAlloc_8u_C3R, rvpiMorphAdvInitAlloc_8u_C4R};
+    const Fn fns[5][3] = {
+        {rvpiMorphOpenBorder_8u_C1R, rvpiMorphOpenBorder_8u_C3R, rvpiMorphOpenBorder_8u_C4R},
+        {rvpiMorphCloseBorder_8u_C1R, rvpiMorphCloseBorder_8u_C3R, rvpiMorphCloseBorder_8u_C4R},
+        {rvpiMorphTophatBorder_8u_C1R, rvpiMorphTophatBorder_8u_C3R, rvpiMorphTophatBorder_8u_C4R},
+        {rvpiMorphBlackhatBorder_8u_C1R, rvpiMorphBlackhatBorder_8u_C3R, rvpiMorphBlackhatBorder_8u_C4R},
+        {rvpiMorphGradientBorder_8u_C1R, rvpiMorphGradientBorder_8u_C3R, rvpiMorphGradientBorder_8u_C4R}};
+    RvpiMorphAdvState* st = nullptr;
+    RvpStatus s = inits[ci](in.width, e.cells.data(), mask, anchor, &st);
+    if (s != rvpStsNoErr) return s;
+    s = fns[op][ci](in.data.data(), in.rowBytes(), out.data.data(), out.rowBytes(), roi, rvpBorderRepl, st);
+    rvpiMorphAdvFree(st);
+    return s;
+}
+
+int runMorph(const Args& args);
+const Command kMorph{"morph", "open|close|tophat|blackhat|gradient IN OUT --mask rect:WxH|disk:R|cross:R",
+                     "composite morphology: opening, closing, top-hat, black-hat, gradient", runMorph,
+                     "open: erosion then dilation; close: dilation then erosion; tophat: IN - open;\n"
+                     "blackhat: close - IN; gradient: dilation - erosion (differences stop at 0).\n"
+                     "The element is centred on each pixel; borders are replicated.\n"};
+int runMorph(const Args& args) {
+    if (args.size() != 5 || args[3] != "--mask") return usage(kMorph);
+    int op = 0;
+    while (op < 5 && args[0] != kOps[op]) ++op;
+    if (op == 5) return usageError(kMorph, "unknown operation '" + args[0] + "'");
+    Element e;
+    std::string error;
+    if (!parseMask(args[4], e, error)) return usageError(kMorph, error);
+    Picture in;
+    if (!load(args[1], in)) return 1;
+    if (in.depth != 8) return fail("'" + args[1] + "' has 16-bit samples; morph takes 8-bit images");
+    Picture out = makePicture(in.width, in.height, in.channels, 8);
+    const RvpStatus st = applyComposite(op, in, out, e);
+    if (st != rvpStsNoErr) return fail(std::string("morph failed: ") + statusText(st));
+    return store(args[2], out) ? 0 : 1;
+}
+
+bool demoComposite(const DemoContext& ctx, std::string& what) {
+    Element e;
+    std::string error;
+    if (!parseMask("disk:7", e, error)) return false;
+    Picture tophat = makePicture(ctx.gray.width, ctx.gray.height, 1, 8), gradient = tophat;
+    if (applyComposite(2, ctx.gray, tophat, e) != rvpStsNoErr || applyComposite(4, ctx.gray, gradient, e) != rvpStsNoErr)
+        return false;
+    what = "tophat.png, gradient.png (disk of radius 7)";
+    return ctx.save("tophat.png", tophat) && ctx.save("gradient.png", gradient);
+}
+
 bool demo(const DemoContext& ctx, std::string& what) {
     Element e;
     std::string error;
@@ -94,7 +153,9 @@ bool demo(const DemoContext& ctx, std::string& what) {
 
 const RegisterCommand kRegErode(kErode);
 const RegisterCommand kRegDilate(kDilate);
+const RegisterCommand kRegMorph(kMorph);
 const RegisterDemoStep kStep({40, "morphology", demo});
+const RegisterDemoStep kStepComposite({41, "composite", demoComposite});
 
 }  // namespace
 }  // namespace tool
