@@ -19,7 +19,9 @@ RvpStatus absDiff(const Picture& a, const Picture& b, Picture& out) {
 }
 
 int run(const Args& args);
-const Command kCommand{"absdiff", "A B OUT", "per-pixel absolute difference of two images", run};
+const Command kCommand{"absdiff", "A B OUT", "per-pixel absolute difference of two images", run,
+    "A and B: pictures of one size, layout and depth (8 or 16 bits, gray or RGB).\n"
+    "OUT keeps that layout and depth.\n"};
 
 int run(const Args& args) {
     if (args.size() != 3) return usage(kCommand);

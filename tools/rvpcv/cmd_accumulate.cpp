@@ -56,7 +56,10 @@ bool average(const std::vector<Picture>& frames, float alpha, Picture& out, std:
 
 int run(const Args& args);
 const Command kCommand{"accumulate", "[--alpha A] OUT IMAGE...",
-                       "mean of images, or their running average with weight A (0..1) for each new image", run};
+                       "mean of images, or their running average with weight A (0..1) for each new image", run,
+    "IMAGEs: one size and layout, 8-bit. Without --alpha OUT is the mean of them all;\n"
+    "with --alpha A (0 to 1) the running average that starts from the first image\n"
+    "and weighs each new one by A. OUT is rounded to 8 bits.\n"};
 
 int run(const Args& args) {
     float alpha = -1;

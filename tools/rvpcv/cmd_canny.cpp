@@ -66,7 +66,11 @@ bool parseNumber(const std::string& text, float& out) {
 
 int run(const Args& args);
 const Command kCommand{"canny", "IN OUT --low L --high H [--sobel 3|5]",
-                       "Canny edges from Sobel derivatives; edges below H continue down to L", run};
+                       "Canny edges from Sobel derivatives; edges below H continue down to L", run,
+    "--low L --high H   hysteresis thresholds on the L1 gradient magnitude (required;\n"
+    "                   edges start above H and continue down to L)\n"
+    "--sobel 3|5        Sobel aperture of the derivatives (default 3)\n"
+    "Colour and 16-bit inputs are made 8-bit gray first (luma weights). OUT is 0/255.\n"};
 
 int run(const Args& args) {
     std::vector<std::string> files;

@@ -87,7 +87,11 @@ std::string maskName(size_t t) {
 }
 
 int cmdForeground(const Args& args);
-const Command kForeground{"foreground", kUsage, "background model over frames: one mask per frame", cmdForeground};
+const Command kForeground{"foreground", kUsage, "background model over frames: one mask per frame", cmdForeground,
+    "FRAMES: 8-bit gray or RGB pictures of one size. OUTDIR gets mask-0001.png, ...\n"
+    "(255 where a frame differs from the learnt background).\n"
+    "--model gauss (default) mixture of Gaussians, also writes background.png;\n"
+    "--model hist  colour histograms, updated with each frame at --rate (default 0.005)\n"};
 
 int cmdForeground(const Args& args) {
     Options o;

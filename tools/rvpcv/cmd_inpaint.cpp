@@ -50,7 +50,11 @@ RvpStatus restore(const Picture& in, const std::vector<Rvp8u>& mask, int method,
 }
 
 int cmdInpaint(const Args& args);
-const Command kInpaint{"inpaint", kUsage, "restore the masked pixels of a picture", cmdInpaint};
+const Command kInpaint{"inpaint", kUsage, "restore the masked pixels of a picture", cmdInpaint,
+    "MASK: 8-bit gray, nonzero where pixels are to be restored. IN: 8-bit gray or RGB.\n"
+    "--method 0|1  0 (default) weighs known neighbours along the distance to the edge,\n"
+    "              1 along the picture's isophotes\n"
+    "--radius R    how far a pixel looks for known neighbours (1..100, default 5)\n"};
 
 int cmdInpaint(const Args& args) {
     std::vector<std::string> files;

@@ -77,9 +77,13 @@ int run(bool dilate, const Command& cmd, const Args& args) {
 int runErode(const Args& args);
 int runDilate(const Args& args);
 const Command kErode{"erode", "IN OUT --mask rect:WxH|disk:R|cross:R",
-                     "minimum over a structuring element centred on each pixel", runErode};
+                     "minimum over a structuring element centred on each pixel", runErode,
+    "--mask rect:WxH (sides 1..1000), disk:R or cross:R (R 0..200), centred on each\n"
+    "pixel. 8-bit gray, RGB or RGBA; the border is replicated.\n"};
 const Command kDilate{"dilate", "IN OUT --mask rect:WxH|disk:R|cross:R",
-                      "maximum over a structuring element centred on each pixel", runDilate};
+                      "maximum over a structuring element centred on each pixel", runDilate,
+    "--mask rect:WxH (sides 1..1000), disk:R or cross:R (R 0..200), centred on each\n"
+    "pixel. 8-bit gray, RGB or RGBA; the border is replicated.\n"};
 int runErode(const Args& args) { return run(false, kErode, args); }
 int runDilate(const Args& args) { return run(true, kDilate, args); }
 

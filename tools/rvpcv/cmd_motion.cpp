@@ -30,7 +30,10 @@ Picture picture(const std::vector<float>& hist, int w, int h, float last, float 
 }
 
 int cmdMotion(const Args& args);
-const Command kMotion{"motion-history", kUsage, "stamp silhouettes into a motion history", cmdMotion};
+const Command kMotion{"motion-history", kUsage, "stamp silhouettes into a motion history", cmdMotion,
+    "SILHOUETTES: gray pictures (nonzero = moving), frame t stamped at time t.\n"
+    "--duration D  frames before a stamp is forgotten (default 5)\n"
+    "OUT: 8-bit, the newest motion brightest.\n"};
 
 int cmdMotion(const Args& args) {
     std::vector<std::string> files;

@@ -27,7 +27,10 @@ RvpStatus apply(bool erode, const Picture& mask, Picture& marker, int norm) {
 int runReconstruct(const Args& args);
 const Command kReconstruct{"reconstruct", "MARKER MASK OUT [--erode] [--norm 4|8]",
                            "grows the marker under the mask (shrinks it above, with --erode) until stable",
-                           runReconstruct};
+                           runReconstruct,
+    "MARKER and MASK: gray pictures of one size and depth (8 or 16 bits). Dilation\n"
+    "(default) needs MARKER <= MASK; --erode reconstructs by erosion from above.\n"
+    "--norm 4|8   neighbours (default 8).\n"};
 
 int runReconstruct(const Args& args) {
     if (args.size() < 3) return usage(kReconstruct);

@@ -99,9 +99,18 @@ int run(const Args& args, const Command& cmd, bool watershed) {
 int cmdWatershed(const Args& args);
 int cmdSegment(const Args& args);
 const Command kWatershed{"watershed", "IN MARKERS OUT [--queue|--distance] [--norm N] [--boundary 4|8] [--labels]",
-                         "marker-driven watershed over the gray levels", cmdWatershed};
+                         "marker-driven watershed over the gray levels", cmdWatershed,
+    "MARKERS: 8-bit gray, 0 where a label is to be found, 1..254 seeds, 255 walls.\n"
+    "--queue (default) priority flooding; --distance relaxation by raster sweeps.\n"
+    "--norm N        neighbour norm: 0 or 1 with --queue, 0..3 with --distance (default 0)\n"
+    "--boundary 4|8  draw boundaries between regions with that connectivity\n"
+    "--labels        write the label image instead of the coloured regions\n"};
 const Command kSegment{"segment", "IN MARKERS OUT [--norm 0|1] [--boundary 4|8] [--labels]",
-                       "regions grown from markers over the gradient (gray or RGB)", cmdSegment};
+                       "regions grown from markers over the gradient (gray or RGB)", cmdSegment,
+    "MARKERS: 8-bit gray, 0 where a label is to be found, 1..254 seeds, 255 walls.\n"
+    "--norm 0|1      gradient over 8 (0, default) or 4 (1) neighbours\n"
+    "--boundary 4|8  draw boundaries between regions with that connectivity\n"
+    "--labels        write the label image instead of the coloured regions\n"};
 int cmdWatershed(const Args& args) { return run(args, kWatershed, true); }
 int cmdSegment(const Args& args) { return run(args, kSegment, false); }
 const RegisterCommand kRegisterW(kWatershed);

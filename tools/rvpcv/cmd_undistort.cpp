@@ -90,7 +90,11 @@ RvpStatus run(const Picture& in, Picture& out, Lens l) {
 }
 
 int cmdUndistort(const Args& args);
-const Command kUndistort{"undistort", kUsage, "remove radial (and tangential) lens distortion", cmdUndistort};
+const Command kUndistort{"undistort", kUsage, "remove radial (and tangential) lens distortion", cmdUndistort,
+    "--fx --fy   focal lengths in pixels (required); --cx --cy the principal point\n"
+    "            (default: the picture's centre)\n"
+    "--k1 --k2   radial coefficients; --p1 --p2 tangential ones (default 0)\n"
+    "IN: 8- or 16-bit, gray or RGB. Points that fall outside the picture come out black.\n"};
 
 int cmdUndistort(const Args& args) {
     Lens l;

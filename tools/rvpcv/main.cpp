@@ -124,8 +124,19 @@ int commandHelp(const Command& c) {
     std::printf("usage: rvpcv %s %s\n\n", c.name, c.usage);
     wrapped(c.summary, 0, 0);
     if (c.help) {
+        // Lines as written (option tables keep their columns); longer ones wrapped.
         std::printf("\n");
-        wrapped(c.help, 0, 0);
+        std::string line;
+        for (const char* p = c.help;; ++p) {
+            if (*p && *p != '\n') {
+                line += *p;
+                continue;
+            }
+            if (line.size() <= 99) std::printf("%s\n", line.c_str());
+            else wrapped(line, 0, 0);
+            line.clear();
+            if (!*p || !p[1]) break;
+        }
     }
     return 0;
 }
