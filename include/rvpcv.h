@@ -1502,6 +1502,23 @@ RVPAPI RvpStatus rvpiMinMaxIndx_32f_C3CR(const Rvp32f* pSrc, int srcStep, RvpiSi
                                          Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
                                          RvpiPoint* pMaxIndex);
 
+/* ---- Exact distance transform --------------------------------------------- */
+/* Each pixel of pDst gets the Euclidean distance from its pixel of pSrc to
+ * the nearest zero pixel: a column pass of squared vertical distances (the
+ * largest float, 0x7F7FFFFF, for a column without a zero), the lower
+ * envelope of the parabolas f(q) + (x - q)^2 of each row in single
+ * precision, s = (((f[q] + q^2) - f[v]) - v^2) * (0.5 / (q - v)) in that
+ * order, then the square root. An image without a zero pixel gives about
+ * 1.8446743e19 everywhere. The row pass runs on several threads when the
+ * library may use more than one and the image has 256 columns or more.
+ * pBuffer: rvpiTrueDistanceTransformGetBufferSize bytes, (max(w4, h4) * 24 +
+ * 56) * the permitted threads, w4 and h4 the sides rounded up to 4.
+ * Statuses: NullPtr, Size (also a buffer that would not fit an int), Step
+ * (srcStep below the width, dstStep below 4 * width), NotEvenStep (dstStep). */
+RVPAPI RvpStatus rvpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiTrueDistanceTransform_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                     RvpiSize roiSize, Rvp8u* pBuffer);
+
 #ifdef __cplusplus
 }
 #endif

@@ -68,6 +68,13 @@ def test_composite_and_gray_morphology_match_scipy():
     assert np.array_equal(rvpcv.gray_dilate(IMG, values[::-1, ::-1]), want)
 
 
+def test_true_distance_matches_scipy():
+    import scipy.ndimage as ndi
+    img = (IMG > 40).astype(np.uint8)
+    want = ndi.distance_transform_edt(img).astype(np.float32)
+    assert np.array_equal(rvpcv.true_distance(img), want)
+
+
 def test_reconstruction_matches_scikit_image():
     morphology = pytest.importorskip("skimage.morphology")
     seed = np.maximum(IMG.astype(np.int16) - 40, 0).astype(np.uint8)
