@@ -147,12 +147,9 @@ public:
     bool prepare(void* const* states) {
         for (int i = 0; i < f_.count; ++i) drawScalar(i);
         const std::string name = f_.name;
-        bool arrays = false, query = false;
-        for (int i = 0; i < f_.count; ++i) {
-            const Param& p = f_.params[i];
-            arrays |= p.kind == kData && p.isConst && p.step < 0;
-            query |= p.kind == kData && !p.isConst && p.elem == 4 && std::string(p.name).find("Size") != std::string::npos;
-        }
+        bool arrays = false;
+        for (int i = 0; i < f_.count; ++i)
+            arrays |= f_.params[i].kind == kData && f_.params[i].isConst && f_.params[i].step < 0;
         for (int i = 0; i < f_.count; ++i) {
             const Param& p = f_.params[i];
             Arg& a = args_[i];
@@ -160,7 +157,7 @@ public:
             if (p.kind == kInt && std::string(p.name).find("ength") != std::string::npos) a.i = static_cast<int>(src_.below(64));
             if (p.kind == kInt && std::string(p.name).find("Count") != std::string::npos) a.i = static_cast<int>(src_.below(256));
             // Masks and kernels read from arrays of the harness's size.
-            if (p.kind == kSize && arrays && !query &&
+            if (p.kind == kSize && arrays &&
                 static_cast<int64_t>(a.size.width) * a.size.height > kArrayBytes / 8)
                 return false;
         }
@@ -261,14 +258,14 @@ private:
         if (mode_.hostile && src_.below(3) == 0) return kHostile[src_.below(13)];
         return static_cast<double>(src_.below(2001)) / 100.0 - 5.0;
     }
-    int drawExtent(bool width) {
+    int drawExtent(bool width, bool roi) {
         if (mode_.hostile) {
             static const int kSizes[] = {0, 1, 2, 3, 7, 16, 33, 64, 130, -1, -7, std::numeric_limits<int>::max(),
                                          1 << 16, 1 << 20, 46341, 4097};
             const uint32_t r = src_.below(4);
             return r == 0 ? static_cast<int>(src_.below(300)) : kSizes[src_.below(16)];
         }
-        if (mode_.bigImages) return width ? 600 + static_cast<int>(src_.below(120)) : 430 + static_cast<int>(src_.below(60));
+        if (mode_.bigImages && roi) return width ? 600 + static_cast<int>(src_.below(120)) : 430 + static_cast<int>(src_.below(60));
         return 1 + static_cast<int>(src_.below(width ? 70 : 50));
     }
 
@@ -285,7 +282,11 @@ private:
         case kS16: a.s16 = static_cast<Rvp16s>(drawInt()); break;
         case kF32: a.f = static_cast<float>(drawReal()); break;
         case kF64: a.d = drawReal(); break;
-        case kSize: a.size = RvpiSize{drawExtent(true), drawExtent(false)}; break;
+        case kSize: {
+            const bool roi = std::string(p.name).find("oi") != std::string::npos;
+            a.size = RvpiSize{drawExtent(true, roi), drawExtent(false, roi)};
+            break;
+        }
         case kPoint: a.pt = RvpiPoint{drawInt(), drawInt()}; break;
         case kRect: a.rect = RvpiRect{drawInt(), drawInt(), drawInt(), drawInt()}; break;
         default: break;
