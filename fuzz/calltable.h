@@ -154,7 +154,9 @@ public:
             const Param& p = f_.params[i];
             Arg& a = args_[i];
             // Array lengths and capacities describe the harness's arrays.
-            if (p.kind == kInt && std::string(p.name).find("ength") != std::string::npos) a.i = static_cast<int>(src_.below(64));
+            const std::string pn = p.name;
+            if (p.kind == kInt && (pn.find("ength") != std::string::npos || pn == "tableSize"))
+                a.i = static_cast<int>(src_.below(64));
             if (p.kind == kInt && std::string(p.name).find("Count") != std::string::npos) a.i = static_cast<int>(src_.below(256));
             // Masks and kernels read from arrays of the harness's size.
             if (p.kind == kSize && arrays &&
