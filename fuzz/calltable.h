@@ -6,6 +6,7 @@
 #ifndef RVPCV_FUZZ_CALLTABLE_H
 #define RVPCV_FUZZ_CALLTABLE_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -398,8 +399,15 @@ private:
                 b.mem.assign(64, kPattern);
             }
         } else {
-            // An array or a small output: generous, filled for inputs.
-            b.mem.assign(p.isConst ? kArrayBytes : 4096, kPattern);
+            // An array or a small output: generous, filled for inputs; an
+            // output of kernelSize entries (a generated kernel) that long.
+            int64_t bytes = p.isConst ? kArrayBytes : 4096;
+            for (int k = 0; k < f_.count; ++k)
+                if (!p.isConst && std::string(f_.params[k].name) == "kernelSize" && args_[k].i > 0) {
+                    if (static_cast<int64_t>(args_[k].i) * p.elem > kArrayBytes) return false;
+                    bytes = std::max<int64_t>(bytes, static_cast<int64_t>(args_[k].i) * p.elem);
+                }
+            b.mem.assign(static_cast<size_t>(bytes), kPattern);
             if (p.isConst) fill(b, p, 0, b.mem.size());
         }
         a.p = null ? nullptr : b.mem.data() + b.origin;
