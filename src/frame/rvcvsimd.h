@@ -39,7 +39,11 @@ template <class T> constexpr int lanes() { return kVecBytes / static_cast<int>(s
 
 template <class V> inline V loadv(const void* p) { V v; std::memcpy(&v, p, sizeof v); return v; }
 template <class V> inline void storev(void* p, V v) { std::memcpy(p, &v, sizeof v); }
-template <class V> inline V splat(decltype(V{}[0]) x) { V v; for (unsigned i = 0; i < sizeof(V) / sizeof(x); ++i) v[i] = x; return v; }
+template <class V, class S> inline V splat(S x) {
+    V v;
+    for (unsigned i = 0; i < sizeof(V) / sizeof(v[0]); ++i) v[i] = x;
+    return v;
+}
 
 // Store that bypasses the cache; p must be 16-byte aligned.
 template <class V> inline void streamv(void* p, V v) {
