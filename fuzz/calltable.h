@@ -319,16 +319,17 @@ private:
     // mode mostly valid, sometimes short, odd, zero or negative.
     int drawStep(int64_t rowBytes, int elem) {
         const int64_t valid = rowBytes + elem * static_cast<int64_t>(src_.below(4));
+        int64_t step = valid;
         if (mode_.hostile) {
             switch (src_.below(8)) {
-            case 0: return static_cast<int>(rowBytes - 1);
-            case 1: return static_cast<int>(valid + 1);
-            case 2: return 0;
-            case 3: return -static_cast<int>(valid);
+            case 0: step = rowBytes - 1; break;
+            case 1: step = valid + 1; break;
+            case 2: step = 0; break;
+            case 3: step = -valid; break;
             default: break;
             }
         }
-        return static_cast<int>(valid);
+        return static_cast<int>(std::max<int64_t>(INT32_MIN, std::min<int64_t>(INT32_MAX, step)));
     }
 
     // Bulk contents come from a generator seeded by one choice.
@@ -385,7 +386,7 @@ private:
                     // An invalid step: the call must refuse it without reading.
                     b.mem.assign(64, kPattern);
                 } else {
-                    const int64_t bytes = step * (s.height + 2 * kSlackRows) + 2 * kSlackBytes;
+                    const int64_t bytes = step * (static_cast<int64_t>(s.height) + 2 * kSlackRows) + 2 * kSlackBytes;
                     if (bytes > kMaxImageBytes) return false;
                     b.mem.assign(static_cast<size_t>(bytes), kPattern);
                     b.image = true;
