@@ -6,6 +6,7 @@
 // stays inside [a, b) or meets the image's own edge), so no intermediate
 // image of the full size is made. The differences use the saturating
 // subtraction primitive.
+#include <algorithm>
 #include <cstring>
 
 #include "rvcvframe.h"
@@ -43,8 +44,10 @@ RvpStatus layout(int sampleType, int C, int roiWidth, const Rvp8u* pMask, RvpiSi
     if (RvpStatus st = ownMorphologyInitAlloc(sampleType, C, roiWidth, pMask, maskSize, anchor, nullptr, &morphBytes, 0))
         return st;
     const int64_t reach = static_cast<int64_t>(maskSize.height) - 1;
-    const int64_t rows = reach * 4 > 32 ? reach * 4 : 32;
     const int64_t pix = (sampleType == kSample32f ? 4 : 1) * static_cast<int64_t>(C), w = roiWidth;
+    // As many rows as 256 KiB hold (the band images stay in the second-level cache).
+    const int64_t cached = (int64_t{1} << 18) / (w * pix);
+    const int64_t rows = std::max({reach * 4, int64_t{32}, cached < 512 ? cached : int64_t{512}});
     const int64_t band = (rows * w > kSmallPixels + w ? rows * w : kSmallPixels + w) * pix;
     l.morphOffset = 64;
     l.firstOffset = (l.morphOffset + morphBytes + 63) & ~int64_t{63};
