@@ -20,7 +20,7 @@ struct RvpiSRHNSpec_PSF3x3 {
 namespace rvcv {
 namespace {
 
-template <class Spec> struct Psf;
+template <class Kernel> struct Psf;
 template <> struct Psf<RvpiSRHNSpec_PSF2x2> {
     static constexpr int kTaps = 2, kGiven = 4, kStored = 4, kMinStep = 8;
 };
@@ -28,53 +28,53 @@ template <> struct Psf<RvpiSRHNSpec_PSF3x3> {
     static constexpr int kTaps = 3, kGiven = 9, kStored = 12, kMinStep = 12;
 };
 
-template <class Spec> RvpStatus initAlloc(Spec** pp, const Rvp32f* table, int size) {
-    using P = Psf<Spec>;
+template <class Kernel> RvpStatus initAlloc(Kernel** pp, const Rvp32f* table, int size) {
+    using P = Psf<Kernel>;
     Check c;
     const int64_t bytes = static_cast<int64_t>(size) * P::kStored * static_cast<int64_t>(sizeof(Rvp32f));
     if (RvpStatus st = c.ptrs(pp, table).fail(size < 1 || bytes > INT32_MAX, rvpStsSizeErr)) return st;
-    auto* spec = static_cast<Spec*>(rvpMalloc(static_cast<int>(sizeof(Spec))));
-    if (!spec) return rvpStsMemAllocErr;
-    spec->table = static_cast<Rvp32f*>(rvpMalloc(static_cast<int>(bytes)));
-    if (!spec->table) {
-        rvpFree(spec);
+    auto* psf = static_cast<Kernel*>(rvpMalloc(static_cast<int>(sizeof(Kernel))));
+    if (!psf) return rvpStsMemAllocErr;
+    psf->table = static_cast<Rvp32f*>(rvpMalloc(static_cast<int>(bytes)));
+    if (!psf->table) {
+        rvpFree(psf);
         return rvpStsMemAllocErr;
     }
-    spec->tableSize = size;
+    psf->tableSize = size;
     for (int64_t e = 0; e < size; ++e)
         for (int j = 0; j < P::kTaps; ++j) {
-            Rvp32f* row = spec->table + e * P::kStored + j * (P::kStored / P::kTaps);
+            Rvp32f* row = psf->table + e * P::kStored + j * (P::kStored / P::kTaps);
             for (int k = 0; k < P::kTaps; ++k) row[k] = table[e * P::kGiven + j * P::kTaps + k];
             if (P::kTaps == 3) row[3] = 0.0f;
         }
-    *pp = spec;
+    *pp = psf;
     return rvpStsNoErr;
 }
 
-template <class Spec> RvpStatus release(Spec* spec) {
-    if (!spec) return rvpStsNullPtrErr;
-    rvpFree(spec->table);
-    rvpFree(spec);
+template <class Kernel> RvpStatus release(Kernel* psf) {
+    if (!psf) return rvpStsNullPtrErr;
+    rvpFree(psf->table);
+    rvpFree(psf);
     return rvpStsNoErr;
 }
 
 // Steps are tested as unsigned 64-bit values after sign extension, so a
 // negative step passes the minimum; the multiple-of-4 failure is a step
 // error here too. Phases outside the table are refused before any write.
-template <class Spec>
-RvpStatus checkList(Check& c, int step, const Rvp16u* phases, int length, const Spec* spec) {
+template <class Kernel>
+RvpStatus checkList(Check& c, int step, const Rvp16u* phases, int length, const Kernel* psf) {
     const uint64_t s = static_cast<uint64_t>(static_cast<int64_t>(step));
-    c.fail(length < 1, rvpStsSizeErr).fail(s < static_cast<uint64_t>(Psf<Spec>::kMinStep) || (s & 3u) != 0,
+    c.fail(length < 1, rvpStsSizeErr).fail(s < static_cast<uint64_t>(Psf<Kernel>::kMinStep) || (s & 3u) != 0,
                                            rvpStsStepErr);
     if (c != rvpStsNoErr) return c;
     for (int i = 0; i < length; ++i)
-        if (phases[i] >= spec->tableSize) return rvpStsOutOfRangeErr;
+        if (phases[i] >= psf->tableSize) return rvpStsOutOfRangeErr;
     return rvpStsNoErr;
 }
 
 // Sum of the taps of one entry, row by row, left to right.
-template <class Spec> inline float predict(const Rvp32f* h, int64_t s, const Rvp32f* coef) {
-    using P = Psf<Spec>;
+template <class Kernel> inline float predict(const Rvp32f* h, int64_t s, const Rvp32f* coef) {
+    using P = Psf<Kernel>;
     float sum = h[0] * coef[0];
     for (int j = 0; j < P::kTaps; ++j)
         for (int k = (j == 0 ? 1 : 0); k < P::kTaps; ++k)
@@ -82,32 +82,32 @@ template <class Spec> inline float predict(const Rvp32f* h, int64_t s, const Rvp
     return sum;
 }
 
-template <class Spec, class T>
+template <class Kernel, class T>
 RvpStatus residual(const Rvp32f* hi, int step, const T* low, const Rvp32s* offsets, const Rvp16u* phases,
-                   Rvp32f* res, int length, const Spec* spec) {
+                   Rvp32f* res, int length, const Kernel* psf) {
     Check c;
-    c.ptrs(hi, low, offsets, phases, res, spec);
+    c.ptrs(hi, low, offsets, phases, res, psf);
     if (c != rvpStsNoErr) return c;
-    if (RvpStatus st = checkList(c, step, phases, length, spec)) return st;
+    if (RvpStatus st = checkList(c, step, phases, length, psf)) return st;
     const int64_t s = static_cast<int64_t>(step) / 4;
     for (int i = 0; i < length; ++i)
-        res[i] = predict<Spec>(hi + offsets[i], s, spec->table + static_cast<int64_t>(phases[i]) * Psf<Spec>::kStored) -
+        res[i] = predict<Kernel>(hi + offsets[i], s, psf->table + static_cast<int64_t>(phases[i]) * Psf<Kernel>::kStored) -
                  static_cast<float>(low[i]);
     return rvpStsNoErr;
 }
 
-template <class Spec>
+template <class Kernel>
 RvpStatus update(Rvp32f* grad, int step, const Rvp32s* offsets, const Rvp16u* phases, const Rvp32f* res,
-                 const Rvp8u* weightIndex, int length, const Rvp32f* weights, const Spec* spec) {
-    using P = Psf<Spec>;
+                 const Rvp8u* weightIndex, int length, const Rvp32f* weights, const Kernel* psf) {
+    using P = Psf<Kernel>;
     Check c;
-    c.ptrs(grad, offsets, phases, res, weightIndex, weights, spec);
+    c.ptrs(grad, offsets, phases, res, weightIndex, weights, psf);
     if (c != rvpStsNoErr) return c;
-    if (RvpStatus st = checkList(c, step, phases, length, spec)) return st;
+    if (RvpStatus st = checkList(c, step, phases, length, psf)) return st;
     const int64_t s = static_cast<int64_t>(step) / 4;
     for (int i = 0; i < length; ++i) {
         const float f = weights[weightIndex[i]] * res[i];
-        const Rvp32f* coef = spec->table + static_cast<int64_t>(phases[i]) * P::kStored;
+        const Rvp32f* coef = psf->table + static_cast<int64_t>(phases[i]) * P::kStored;
         Rvp32f* g = grad + offsets[i];
         for (int j = 0; j < P::kTaps; ++j)
             for (int k = 0; k < P::kTaps; ++k) {
