@@ -1569,6 +1569,30 @@ RVPAPI RvpStatus rvpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RvpiSize roiSi
 RVPAPI RvpStatus rvpiTrueDistanceTransform_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                                      RvpiSize roiSize, Rvp8u* pBuffer);
 
+/* ---- Fast marching ---------------------------------------------------------- */
+/* Solves the eikonal equation with unit grid step on a mask: each nonzero
+ * pixel of pSrc gets its distance to the zero set in pDst. The update of two
+ * neighbours a, b (d = a - b) is min(a, b) + 1 when |d| >= 1, else
+ * (a + b + sqrt(2 - d * d)) * 0.5, in single precision. A first pixel with no
+ * zero before it starts at 999999.0. With radius > 0, zero-set pixels within
+ * radius of the border get negative distances (-1e-10 next to it), those
+ * farther in 0; without (radius 0 or NaN) the zero set is 0.
+ * Row sweeps stand in for a heap: a first sweep and a sweep back, then sweeps
+ * down and up repeated where a mark plane says a pixel may still improve,
+ * until no mark is left. Images of 6 rows or more are cut at a seam row
+ * where half the nonzero pixels lie above; the halves are swept on two
+ * threads when the library may use more than one (never more than two), or
+ * in turn on one, so the result is the same for every thread count.
+ * pBuffer: rvpiFastMarchingGetBufferSize bytes, (height + 34) * (pitch + 5) +
+ * 40 with pitch the width rounded up to 32; its contents on entry do not
+ * matter.
+ * Statuses: NullPtr, Size (also a buffer that would not fit an int), Step
+ * (srcStep below the width, dstStep below 4 * width), NotEvenStep (dstStep),
+ * BadArg (radius below 0). */
+RVPAPI RvpStatus rvpiFastMarchingGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFastMarching_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp32f radius, Rvp8u* pBuffer);
+
 #ifdef __cplusplus
 }
 #endif
