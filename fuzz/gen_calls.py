@@ -11,7 +11,7 @@ import re
 import sys
 
 SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32u": 4, "Rvp32f": 4, "Rvp64f": 8,
-           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16}
+           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16, "RvpiPoint32f": 8}
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
            "RvpiRect": "kRect"}
@@ -79,7 +79,9 @@ def classify(fname, ps, opaque):
 def main():
     header, out = sys.argv[1], sys.argv[2]
     funcs = parse(open(header).read())
-    opaque = sorted({p["type"] for _, ps in funcs for p in ps if p["stars"] == 2 and p["type"] not in SAMPLES})
+    # States: records made by a constructor (taken by address) or passed by
+    # pointer with no sample layout of their own.
+    opaque = sorted({p["type"] for _, ps in funcs for p in ps if p["stars"] >= 1 and p["type"] not in SAMPLES})
     names = [f for f, _ in funcs]
     queries = [(i, f) for i, f in enumerate(names) if re.search(r"Get(Buffer|Buf)?Size", f)]
     lines = ["// Generated from the public header by gen_calls.py; do not edit.", ""]

@@ -1593,6 +1593,72 @@ RVPAPI RvpStatus rvpiFastMarchingGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* 
 RVPAPI RvpStatus rvpiFastMarching_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                             RvpiSize roiSize, Rvp32f radius, Rvp8u* pBuffer);
 
+/* ---- Pyramidal optical flow ------------------------------------------------ */
+/* A point in level-0 pixel coordinates. */
+typedef struct { Rvp32f x; Rvp32f y; } RvpiPoint32f;
+/* An image pyramid: per level its image, size, scale relative to level 0 and
+ * step; level is the index of the last level. */
+typedef struct {
+    void**    pImage;
+    RvpiSize* pRoi;
+    Rvp64f*   pRate;
+    int*      pStep;
+    void*     pState;
+    int       level;
+} RvpiPyramid;
+typedef struct RvpiOptFlowPyrLKState RvpiOptFlowPyrLKState;
+/* Follows numFeat points from the image of pPyr1 to that of pPyr2 (pyramids
+ * built by the caller, the sizes and scales of pPyr1 taken for both) by the
+ * iterative gradient method, from level maxLev down to 0, with a window of
+ * winSize x winSize pixels. pNext holds the initial guesses on entry and the
+ * positions in the second image on return; pStatus[i] is 0 for a point
+ * tracked through level 0, k > 0 for a point lost at level k - 1 (a flat
+ * window, or one that left the image); pError[i] the root mean square
+ * difference of the windows at the start of the last iteration (0 for a
+ * lost point).
+ * Levels smaller than the state's size take their gradients from two Scharr
+ * planes of the whole level (replicated border, 8u: x4 in 16 bits, 16u and
+ * 32f: x0.03125 in floats); the others from each point's own patch. Windows
+ * are sampled with 14-bit bilinear weights, positions outside the image
+ * taking the nearest sample, and only the part of a window inside both images
+ * counts. Each level iterates at most maxIter times: it stops when the step's
+ * squared length falls below threshold^2, or when a step undoes the previous
+ * one (half of it is then taken back); a point is lost when the window's
+ * gradient matrix has a determinant below 2^-52. When maxLev is 1 and level 1
+ * is taken from patches, the guess is not rescaled between levels 1 and 0.
+ * Points go in bands over the state's team: the threads running the call
+ * that made the state (1 outside a parallel region). Results do not depend on
+ * the team.
+ * State: rvpiOpticalFlowPyrLKInitAlloc_<type>(&state, largest level-0 size,
+ * winSize, hint (kept, unused)); scratch only, one call at a time per state.
+ * Statuses: InitAlloc: NullPtr, Size (winSize, height, width below 1; a state
+ * that would not fit an int), MemAlloc. Free: NullPtr. OpticalFlowPyrLK:
+ * NullPtr (pyramids, state, point arrays, status, error), Size (numFeat < 1,
+ * winSize < 1 or not the state's), BadArg (maxLev < 0, maxIter < 1,
+ * threshold < 0; a NaN passes). The levels inside the pyramids are not
+ * checked. */
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_8u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                      int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_16u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                       int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_32f_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                       int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_8u_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_16u_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_32f_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_8u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                             const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                             Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                             Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_16u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_32f_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
+
 #ifdef __cplusplus
 }
 #endif
