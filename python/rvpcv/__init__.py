@@ -16,6 +16,7 @@ from .distance import chamfer_distance, fast_marching, true_distance
 from .detect import canny, eigenvalues_vectors, integral, min_eigenvalue
 from .filters import box_blur, gaussian, laplacian, scharr, sobel
 from .geometry import undistort, undistort_maps
+from .flow import optical_flow
 from .inpaint import inpaint
 from .morphology import (dilate, erode, gray_dilate, gray_erode, max_filter, min_filter, morphology_ex,
                          reconstruct)

@@ -184,3 +184,12 @@ def test_threads_run_calls_at_once():
     for t in threads:
         t.join()
     assert all(np.array_equal(r, want) for r in results)
+
+
+def test_optical_flow_follows_a_shift():
+    y, x = np.mgrid[0:120, 0:160].astype(np.float64)
+    scene = lambda sx, sy: (128 + 40 * np.sin((x - sx) / 7.0) * np.cos((y - sy) / 9.0)).astype(np.float32)
+    pts = np.array([[40.5, 30.25], [80.0, 60.0], [120.0, 90.5]], np.float32)
+    nxt, status, error = rvpcv.optical_flow(scene(0, 0), scene(1.5, -0.75), pts, window=15, levels=2)
+    assert (status == 0).all()
+    assert np.abs(nxt - pts - [1.5, -0.75]).max() < 0.05
