@@ -8,6 +8,8 @@
 // larger levels take them from each point's own patch. The 8u form keeps
 // patches with 7 fractional bits and sums each row in 32 bits; the 16u and
 // 32f forms work in floats and sum in double.
+#include <emmintrin.h>
+
 #include <cfloat>
 #include <cmath>
 
@@ -28,8 +30,8 @@ namespace {
 
 template <class T> struct Kinds;
 template <> struct Kinds<Rvp8u> {
-    using P = int32_t;  // patch samples, 7 fractional bits
-    using G = int32_t;  // derivatives, 16-bit values
+    using P = int16_t;  // patch samples, 7 fractional bits (at most 32640)
+    using G = int16_t;  // derivatives
     static constexpr int kType = 1;
 };
 template <> struct Kinds<Rvp16u> {
@@ -71,20 +73,56 @@ Axis axis(float c, int n, int size) {
 
 inline int clampTo(int v, int size) { return v < 0 ? 0 : v >= size ? size - 1 : v; }
 
+// Pairs of neighbouring 16-bit samples times pairs of weights, eight
+// results: the top row's pair (wTop) plus the bottom row's pair (wBot),
+// rounded, shifted, stored as 16 bits (every result fits).
+inline void madd8(int16_t* o, __m128i t0, __m128i t1, __m128i b0, __m128i b1, __m128i wTop, __m128i wBot,
+                  __m128i round, int shift) {
+    const __m128i lo = _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(t0, t1), wTop),
+                                     _mm_madd_epi16(_mm_unpacklo_epi16(b0, b1), wBot));
+    const __m128i hi = _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(t0, t1), wTop),
+                                     _mm_madd_epi16(_mm_unpackhi_epi16(b0, b1), wBot));
+    const __m128i s = _mm_cvtsi32_si128(shift);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm_packs_epi32(_mm_sra_epi32(_mm_add_epi32(lo, round), s),
+                                                                    _mm_sra_epi32(_mm_add_epi32(hi, round), s)));
+}
+
+inline __m128i pairOf(int a, int b) { return _mm_set1_epi32(static_cast<int>((static_cast<uint32_t>(b) << 16) | static_cast<uint16_t>(a))); }
+
 // n x n patch with its top-left sample at (ax.i0, ay.i0) plus the fractions.
 template <class T, class P>
 void samplePatch(P* out, int n, const T* img, int step, int w, int h, const Axis& ax, const Axis& ay) {
     const int wx0 = 16384 - ax.a, wx1 = ax.a, wy0 = 16384 - ay.a, wy1 = ay.a;
     const int w00 = (wy0 * wx0 + 8192) >> 14, w01 = (wy0 * wx1 + 8192) >> 14;
     const int w10 = (wy1 * wx0 + 8192) >> 14, w11 = (wy1 * wx1 + 8192) >> 14;
+    const bool inside = ax.i0 >= 0 && ax.i0 + n <= w - 1 && ay.i0 >= 0 && ay.i0 + n <= h - 1;
     for (int j = 0; j < n; ++j) {
         const T* r0 = rowPtr(img, step, clampTo(ay.i0 + j, h));
         const T* r1 = rowPtr(img, step, clampTo(ay.i0 + j + 1, h));
         P* o = out + static_cast<ptrdiff_t>(j) * n;
-        for (int k = 0; k < n; ++k) {
+        int k = 0;
+        if constexpr (std::is_same<T, Rvp8u>::value) {
+            if (inside) {  // no sample to clamp: eight at a time
+                const __m128i zero = _mm_setzero_si128(), wTop = pairOf(w00, w01), wBot = pairOf(w10, w11),
+                              round = _mm_set1_epi32(64);
+                const Rvp8u* a = r0 + ax.i0;
+                const Rvp8u* b = r1 + ax.i0;
+                const auto load = [&](const Rvp8u* p) {
+                    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), zero);
+                };
+                for (; k + 8 <= n; k += 8)
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, 7);
+                if (k < n && n >= 8) {  // the last eight again, overlapping
+                    k = n - 8;
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, 7);
+                    k = n;
+                }
+            }
+        }
+        for (; k < n; ++k) {
             const int x0 = clampTo(ax.i0 + k, w), x1 = clampTo(ax.i0 + k + 1, w);
             if constexpr (std::is_integral<P>::value) {
-                o[k] = (w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 64) >> 7;
+                o[k] = static_cast<P>((w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 64) >> 7);
             } else {
                 const float top = static_cast<float>(w00) * static_cast<float>(r0[x0]) +
                                   static_cast<float>(w01) * static_cast<float>(r0[x1]);
@@ -113,17 +151,35 @@ Fixed15 fixed15(float origin, int n) {
     return {t + (v >= 0 ? 1 : 0) - 1, static_cast<int>(frac * 32768.0f + 0.5f)};
 }
 
-void samplePlane15(int32_t* out, int n, const Rvp16s* plane, int pitch, int w, int h, Fixed15 fx, Fixed15 fy) {
+void samplePlane15(int16_t* out, int n, const Rvp16s* plane, int pitch, int w, int h, Fixed15 fx, Fixed15 fy) {
     const int a = fx.a, b = fy.a;
     const int w00 = ((32768 - a) * (32768 - b) + 16384) >> 15, w01 = (a * (32768 - b) + 16384) >> 15;
     const int w10 = ((32768 - a) * b + 16384) >> 15, w11 = (a * b + 16384) >> 15;
+    // Weights below 2^15 fit the 16-bit multiplier; the inside of the plane
+    // needs no clamping.
+    const bool fast = w00 < 32768 && w01 < 32768 && w10 < 32768 && w11 < 32768 && fx.start >= 0 &&
+                      fx.start + n <= w - 1 && fy.start >= 0 && fy.start + n <= h - 1;
+    const __m128i wTop = pairOf(w00, w01), wBot = pairOf(w10, w11), round = _mm_set1_epi32(16384);
     for (int j = 0; j < n; ++j) {
         const Rvp16s* r0 = plane + static_cast<ptrdiff_t>(clampTo(fy.start + j, h)) * pitch;
         const Rvp16s* r1 = plane + static_cast<ptrdiff_t>(clampTo(fy.start + j + 1, h)) * pitch;
-        for (int k = 0; k < n; ++k) {
+        int16_t* o = out + static_cast<ptrdiff_t>(j) * n;
+        int k = 0;
+        if (fast) {
+            const Rvp16s* p = r0 + fx.start;
+            const Rvp16s* q = r1 + fx.start;
+            const auto load = [](const Rvp16s* v) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(v)); };
+            for (; k + 8 <= n; k += 8)
+                madd8(o + k, load(p + k), load(p + k + 1), load(q + k), load(q + k + 1), wTop, wBot, round, 15);
+            if (k < n && n >= 8) {  // the last eight again, overlapping
+                k = n - 8;
+                madd8(o + k, load(p + k), load(p + k + 1), load(q + k), load(q + k + 1), wTop, wBot, round, 15);
+                k = n;
+            }
+        }
+        for (; k < n; ++k) {
             const int x0 = clampTo(fx.start + k, w), x1 = clampTo(fx.start + k + 1, w);
-            out[static_cast<ptrdiff_t>(j) * n + k] =
-                (w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 16384) >> 15;
+            o[k] = static_cast<int16_t>((w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 16384) >> 15);
         }
     }
 }
@@ -316,9 +372,29 @@ template <class T> struct Tracker {
                 const G* ix = wk.dx + static_cast<ptrdiff_t>(y + 1) * m + 1;
                 const G* iy = wk.dy + static_cast<ptrdiff_t>(y + 1) * m + 1;
                 if constexpr (std::is_integral<P>::value) {
-                    // Rows in 32 bits (wrapping), row sums in double.
-                    uint32_t sbx = 0, sby = 0, sxx = 0, syy = 0, sxy = 0;
-                    for (int x = lo.x; x <= hi.x; ++x) {
+                    // Rows in 32 bits (wrapping), row sums in double. Differences and
+                    // derivatives fit 16 bits, and a pair of products fits 31:
+                    // eight at a time by multiply-add, then the rest.
+                    __m128i vbx = _mm_setzero_si128(), vby = vbx, vxx = vbx, vyy = vbx, vxy = vbx;
+                    int x = lo.x;
+                    const auto ld = [](const int16_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); };
+                    for (; x + 8 <= hi.x + 1; x += 8) {
+                        const __m128i d = _mm_sub_epi16(ld(a + x), ld(b + x)), vx = ld(ix + x), vy = ld(iy + x);
+                        vbx = _mm_add_epi32(vbx, _mm_madd_epi16(vx, d));
+                        vby = _mm_add_epi32(vby, _mm_madd_epi16(vy, d));
+                        if (newG) {
+                            vxx = _mm_add_epi32(vxx, _mm_madd_epi16(vx, vx));
+                            vyy = _mm_add_epi32(vyy, _mm_madd_epi16(vy, vy));
+                            vxy = _mm_add_epi32(vxy, _mm_madd_epi16(vx, vy));
+                        }
+                    }
+                    const auto total = [](__m128i v) {
+                        alignas(16) uint32_t l[4];
+                        _mm_store_si128(reinterpret_cast<__m128i*>(l), v);
+                        return l[0] + l[1] + l[2] + l[3];
+                    };
+                    uint32_t sbx = total(vbx), sby = total(vby), sxx = total(vxx), syy = total(vyy), sxy = total(vxy);
+                    for (; x <= hi.x; ++x) {
                         const uint32_t d = static_cast<uint32_t>(a[x] - b[x]);
                         const uint32_t vx = static_cast<uint32_t>(ix[x]), vy = static_cast<uint32_t>(iy[x]);
                         sbx += vx * d, sby += vy * d;
