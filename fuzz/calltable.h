@@ -158,7 +158,7 @@ public:
             const std::string pn = p.name;
             if (p.kind == kInt && (pn.find("ength") != std::string::npos || pn == "tableSize"))
                 a.i = static_cast<int>(src_.below(64));
-            if (p.kind == kInt && std::string(p.name).find("Count") != std::string::npos) a.i = static_cast<int>(src_.below(256));
+            if (p.kind == kInt && (pn.find("Count") != std::string::npos || pn == "numFeat")) a.i = static_cast<int>(src_.below(256));
             // Masks and kernels read from arrays of the harness's size.
             if (p.kind == kSize && arrays &&
                 static_cast<int64_t>(a.size.width) * a.size.height > kArrayBytes / 8)
