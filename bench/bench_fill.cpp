@@ -50,16 +50,25 @@ std::shared_ptr<Plane<Rvp8u>> threshold(const Plane<Rvp8u>& src, int t) {
 
 enum class Kind { Exact, Range, Grad };
 
-void addFill(const std::string& op, const std::shared_ptr<Plane<Rvp8u>>& img, Kind kind, bool eight, int lo, int hi) {
+// The seed: the first pixel of the middle row holding `value` (a pixel of
+// the large region, so that the fill covers much of the image).
+RvpiPoint seedOf(const Plane<Rvp8u>& img, int value) {
+    const int y = img.h / 2;
+    for (int x = 0; x < img.w; ++x)
+        if (img.ptr()[static_cast<size_t>(y) * img.w + x] == value) return {x, y};
+    return {0, y};
+}
+
+void addFill(const std::string& op, const std::shared_ptr<Plane<Rvp8u>>& img, Kind kind, bool eight, int lo, int hi,
+             RvpiPoint seed) {
     const Size s{img->w, img->h};
     const RvpiSize roi{s.w, s.h};
-    const RvpiPoint seed{0, 0};
     add(op, "rvp", s, img->bytes() * 2, [=](benchmark::State& st) {
         int bytes = 0;
         (kind == Kind::Grad ? rvpiFloodFillGetSize_Grad : rvpiFloodFillGetSize)(roi, &bytes);
         std::vector<Rvp8u> buf(bytes), work(img->bytes());
         RvpiConnectedComp r;
-        const Rvp8u nv = static_cast<Rvp8u>(img->ptr()[0] ^ 0x80);
+        const Rvp8u nv = static_cast<Rvp8u>(img->ptr()[static_cast<size_t>(seed.y) * s.w + seed.x] ^ 0x80);
         for (auto _ : st) {
             std::memcpy(work.data(), img->ptr(), work.size());
             if (kind == Kind::Exact)
@@ -72,16 +81,19 @@ void addFill(const std::string& op, const std::shared_ptr<Plane<Rvp8u>>& img, Ki
                 (eight ? rvpiFloodFill_Grad8Con_8u_C1IR : rvpiFloodFill_Grad4Con_8u_C1IR)(
                     work.data(), s.w, roi, seed, nv, static_cast<Rvp8u>(lo), static_cast<Rvp8u>(hi), &r, buf.data());
         }
+        st.counters["area"] = r.area;
     });
 #ifdef RVPCV_HAVE_OPENCV
     add(op, "cv", s, img->bytes() * 2, [=](benchmark::State& st) {
         cv::Mat src = img->mat(), work;
         const int flags = (eight ? 8 : 4) | (kind == Kind::Grad ? 0 : cv::FLOODFILL_FIXED_RANGE);
-        const cv::Scalar nv(img->ptr()[0] ^ 0x80);
+        const cv::Scalar nv(img->ptr()[static_cast<size_t>(seed.y) * s.w + seed.x] ^ 0x80);
+        int area = 0;
         for (auto _ : st) {
             src.copyTo(work);
-            cv::floodFill(work, cv::Point(0, 0), nv, nullptr, cv::Scalar(lo), cv::Scalar(hi), flags);
+            area = cv::floodFill(work, cv::Point(seed.x, seed.y), nv, nullptr, cv::Scalar(lo), cv::Scalar(hi), flags);
         }
+        st.counters["area"] = area;
     });
 #endif
 }
@@ -113,14 +125,16 @@ void addLabel(const std::string& op, const std::shared_ptr<Plane<Rvp8u>>& bin, b
 void addRuns() {
     const Size s = hd()[0];
     const auto ph = photo(s), tex = texture(s);
-    const auto phBin = threshold(*ph, 140), texBin = threshold(*tex, 128);
-    addFill("FloodFill4_8u_photo", phBin, Kind::Exact, false, 0, 0);
-    addFill("FloodFill8_8u_photo", phBin, Kind::Exact, true, 0, 0);
-    addFill("FloodFill4_8u_texture", texBin, Kind::Exact, false, 0, 0);
-    addFill("FloodFillRange4_8u_photo", ph, Kind::Range, false, 60, 60);
-    addFill("FloodFillRange8_8u_texture", tex, Kind::Range, true, 10, 10);
-    addFill("FloodFillGrad4_8u_photo", ph, Kind::Grad, false, 3, 3);
-    addFill("FloodFillGrad8_8u_texture", tex, Kind::Grad, true, 2, 2);
+    const auto phBin = threshold(*ph, 140), texBin = threshold(*tex, 128), texFill = threshold(*tex, 110);
+    const RvpiPoint bg = seedOf(*phBin, 0), inTex = seedOf(*texFill, 255), mid{s.w / 2, s.h / 2};
+    addFill("FloodFill4_8u_photo", phBin, Kind::Exact, false, 0, 0, bg);
+    addFill("FloodFill8_8u_photo", phBin, Kind::Exact, true, 0, 0, bg);
+    addFill("FloodFill4_8u_texture", texFill, Kind::Exact, false, 0, 0, inTex);
+    addFill("FloodFill8_8u_texture", texFill, Kind::Exact, true, 0, 0, inTex);
+    addFill("FloodFillRange4_8u_photo", ph, Kind::Range, false, 60, 60, bg);
+    addFill("FloodFillRange8_8u_texture", tex, Kind::Range, true, 30, 30, mid);
+    addFill("FloodFillGrad4_8u_photo", ph, Kind::Grad, false, 3, 3, bg);
+    addFill("FloodFillGrad8_8u_texture", tex, Kind::Grad, true, 16, 16, mid);
     addLabel("LabelMarkers4_photo", phBin, false);
     addLabel("LabelMarkers8_photo", phBin, true);
     addLabel("LabelMarkers4_texture", texBin, false);

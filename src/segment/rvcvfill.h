@@ -1,7 +1,7 @@
-// Scan-line flood fill shared by the fill entry points and the marker
-// labelling: the span record, the span stack that lives in the caller's
-// buffer (and moves to the heap only when a tangled image outgrows it), and
-// the exact fill of one-channel images that the labelling runs per component.
+// Pieces of the scan-line flood fill that the labelling and the tests share:
+// the span record, the span stack that lives in the caller's buffer (and
+// moves to the heap only when a tangled image outgrows it), the stack's
+// alignment and the buffer size.
 #ifndef RVCV_FILL_H
 #define RVCV_FILL_H
 
@@ -58,13 +58,6 @@ inline Rvp8u* alignStack(Rvp8u* at) {
 
 // 6 * w * h + 32, the bytes of the exact and range fills (and labelling).
 inline int64_t stackBytes(RvpiSize roi) { return ((24 * int64_t{roi.width} * roi.height) >> 2) + 32; }
-
-// Exact fill of a one-channel image from `seed` (inside, arguments already
-// validated, seed not equal to newVal), pBuffer of stackBytes(roi). Returns
-// rvpStsNoErr or rvpStsMemAllocErr.
-template <class T>
-RvpStatus exactFillC1(T* img, int step, RvpiSize roi, RvpiPoint seed, T newVal, bool eight, Rvp8u* pBuffer,
-                      RvpiConnectedComp* region);
 
 }  // namespace fill
 }  // namespace rvcv

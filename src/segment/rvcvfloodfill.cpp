@@ -4,7 +4,9 @@
 // pixels in a bordered visited mask and paints a span only after its
 // neighbour rows are scanned. The order in which spans are scanned is part
 // of the result wherever the stack is bounded or the rule is asymmetric.
+#include <algorithm>
 #include <cmath>
+#include <emmintrin.h>
 
 #include "segment/rvcvfill.h"
 
@@ -36,10 +38,23 @@ template <class T, int C> inline void paint(T* p, const T* v) {
 // Equal to the seed's value in every channel (floats: ordered, NaN fails).
 template <class T, int C> struct ExactRule {
     T s[C];
+    explicit ExactRule(const T* seed) {
+        for (int c = 0; c < C; ++c) s[c] = seed[c];
+    }
     bool operator()(const T* p) const {
         for (int c = 0; c < C; ++c)
             if (!(p[c] == s[c])) return false;
         return true;
+    }
+    // One-channel rows, 16 bytes at a time: a set bit per byte of a match.
+    int block(const T* p) const {
+        if constexpr (sizeof(T) == 4) {
+            return _mm_movemask_epi8(_mm_castps_si128(_mm_cmpeq_ps(_mm_loadu_ps(p), _mm_set1_ps(s[0]))));
+        } else {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            return _mm_movemask_epi8(sizeof(T) == 1 ? _mm_cmpeq_epi8(v, _mm_set1_epi8(static_cast<char>(s[0])))
+                                                    : _mm_cmpeq_epi16(v, _mm_set1_epi16(static_cast<short>(s[0]))));
+        }
     }
 };
 
@@ -64,7 +79,62 @@ template <class T, int C> struct RangeRule {
             if (!(lo[c] <= p[c] && p[c] <= hi[c])) return false;
         return true;
     }
+    int block(const T* p) const {
+        if constexpr (sizeof(T) == 4) {
+            const __m128 v = _mm_loadu_ps(p);
+            return _mm_movemask_epi8(
+                _mm_castps_si128(_mm_and_ps(_mm_cmple_ps(_mm_set1_ps(lo[0]), v), _mm_cmple_ps(v, _mm_set1_ps(hi[0])))));
+        } else if constexpr (sizeof(T) == 1) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            const __m128i l = _mm_set1_epi8(static_cast<char>(lo[0])), h = _mm_set1_epi8(static_cast<char>(hi[0]));
+            return _mm_movemask_epi8(
+                _mm_and_si128(_mm_cmpeq_epi8(_mm_max_epu8(v, l), v), _mm_cmpeq_epi8(_mm_min_epu8(v, h), v)));
+        } else {
+            // Unsigned order through the sign flip: p < lo or p > hi fails.
+            const __m128i flip = _mm_set1_epi16(static_cast<short>(0x8000));
+            const __m128i v = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), flip);
+            const __m128i l = _mm_xor_si128(_mm_set1_epi16(static_cast<short>(lo[0])), flip);
+            const __m128i h = _mm_xor_si128(_mm_set1_epi16(static_cast<short>(hi[0])), flip);
+            return 0xFFFF & ~_mm_movemask_epi8(_mm_or_si128(_mm_cmplt_epi16(v, l), _mm_cmpgt_epi16(v, h)));
+        }
+    }
 };
+
+// The run searches of the scan-line fill. One-channel rows go 16 bytes at a
+// time through the rule's block test; three-channel rows pixel by pixel.
+// Neither reads outside x..last.
+template <class T, int C, class Match> struct Runs {
+    static constexpr int kLanes = 16 / static_cast<int>(sizeof(T));
+    // The last column of the run of matches that starts at x + 1 (x if none).
+    static int right(const Match& m, const T* r, int x, int last) {
+        if constexpr (C == 1) {
+            for (; x + kLanes <= last; x += kLanes) {
+                const int miss = ~m.block(r + x + 1) & 0xFFFF;
+                if (miss) return x + __builtin_ctz(static_cast<unsigned>(miss)) / static_cast<int>(sizeof(T));
+            }
+        }
+        while (x < last && m(r + (x + 1) * C)) ++x;
+        return x;
+    }
+    // The first matching column in x..last, or last + 1.
+    static int find(const Match& m, const T* r, int x, int last) {
+        if constexpr (C == 1) {
+            for (; x + kLanes - 1 <= last; x += kLanes)
+                if (const int hit = m.block(r + x))
+                    return x + __builtin_ctz(static_cast<unsigned>(hit)) / static_cast<int>(sizeof(T));
+        }
+        while (x <= last && !m(r + x * C)) ++x;
+        return x;
+    }
+};
+
+template <class T, int C> inline void paintRun(T* r, int left, int right, const T* v) {
+    if constexpr (C == 1) {
+        std::fill(r + left, r + right + 1, v[0]);
+    } else {
+        for (int x = left; x <= right; ++x) paint<T, C>(r + x * C, v);
+    }
+}
 
 // near(a, b): a may join next to b when -minDelta <= a - b <= maxDelta.
 template <class T, int C, bool Float = std::is_floating_point<T>::value> struct GradRule;
@@ -82,7 +152,30 @@ template <class T, int C> struct GradRule<T, C, false> {
             if (uint32_t{a[c]} + minD[c] - uint32_t{b[c]} > span[c]) return false;
         return true;
     }
+    // 8u, one channel, 16 pixels: bit i set where near(a[i], b[i]). The
+    // difference a + minDelta - b lies in -255..510, so 16-bit lanes hold it.
+    int block(const Rvp8u* a, const Rvp8u* b) const {
+        const __m128i z = _mm_setzero_si128(), va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a));
+        const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b));
+        const __m128i md = _mm_set1_epi16(static_cast<short>(minD[0]));
+        const __m128i above = _mm_set1_epi16(static_cast<short>(span[0] + 1)), below = _mm_set1_epi16(-1);
+        const __m128i lo = _mm_sub_epi16(_mm_add_epi16(_mm_unpacklo_epi8(va, z), md), _mm_unpacklo_epi8(vb, z));
+        const __m128i hi = _mm_sub_epi16(_mm_add_epi16(_mm_unpackhi_epi8(va, z), md), _mm_unpackhi_epi8(vb, z));
+        const __m128i okLo = _mm_and_si128(_mm_cmpgt_epi16(lo, below), _mm_cmplt_epi16(lo, above));
+        const __m128i okHi = _mm_and_si128(_mm_cmpgt_epi16(hi, below), _mm_cmplt_epi16(hi, above));
+        return _mm_movemask_epi8(_mm_packs_epi16(okLo, okHi));
+    }
 };
+
+// The first unmarked column of a mask row in x..last, or last + 1.
+inline int nextUnmarked(const Rvp8u* m, int x, int last) {
+    for (; x + 15 <= last; x += 16) {
+        const __m128i v = _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m + x)), _mm_setzero_si128());
+        if (const int hit = _mm_movemask_epi8(v)) return x + __builtin_ctz(static_cast<unsigned>(hit));
+    }
+    while (x <= last && m[x]) ++x;
+    return x;
+}
 
 template <class T, int C> struct GradRule<T, C, true> {
     Rvp32f half[C], radius[C];
@@ -129,10 +222,8 @@ public:
     // Fills from the seed; false when the stack could not grow.
     bool run(RvpiPoint seed, Box& box, int32_t& area) {
         T* r = row(seed.y);
-        paint<T, C>(r + seed.x * C, nv_);
-        int left = seed.x, right = seed.x;
-        while (left > 0 && match_(r + (left - 1) * C)) paint<T, C>(r + --left * C, nv_);
-        while (right < w_ - 1 && match_(r + (right + 1) * C)) paint<T, C>(r + ++right * C, nv_);
+        int left, right;
+        extend(r, seed.x, left, right);
         area_ = right - left + 1;
         counted_ = area_;
         box = Box(left, right, seed.y);
@@ -157,17 +248,23 @@ public:
 private:
     T* row(int y) const { return rowPtr(img_, step_, y); }
 
+    // The run through x, which matched: left pixel by pixel, right by the
+    // run search; then painted. The walks read only unpainted pixels, so
+    // painting afterwards is painting as they go.
+    void extend(T* r, int x, int& left, int& right) const {
+        left = x;
+        while (left > 0 && match_(r + (left - 1) * C)) --left;
+        right = Runs<T, C, Match>::right(match_, r, x, w_ - 1);
+        paintRun<T, C>(r, left, right, nv_);
+    }
+
     bool scan(int y, int x0, int x1, const Span& s, int dir) {
         T* r = row(y);
-        for (int x = x0; x <= x1;) {
-            if (!match_(r + x * C)) {
-                ++x;
-                continue;
-            }
-            paint<T, C>(r + x * C, nv_);
-            int left = x, right = x;
-            while (left > 0 && match_(r + (left - 1) * C)) paint<T, C>(r + --left * C, nv_);
-            while (right < w_ - 1 && match_(r + (right + 1) * C)) paint<T, C>(r + ++right * C, nv_);
+        for (int x = x0;;) {
+            x = Runs<T, C, Match>::find(match_, r, x, x1);
+            if (x > x1) break;
+            int left, right;
+            extend(r, x, left, right);
             if (!stack_.push(Span{y, left, right, s.left, s.right, dir})) return false;
             area_ = wadd(area_, right - left + 1);
             counted_ += right - left + 1;
@@ -233,8 +330,7 @@ public:
             ok = scan(s.y - s.dir, s.left - e, s.right + e, s, s.dir) &&
                  scan(s.y + s.dir, s.left - e, s.parentLeft - 1, s, -s.dir) &&
                  scan(s.y + s.dir, s.parentRight + 1, s.right + e, s, -s.dir);
-            T* p = row(s.y);
-            for (int x = s.left; x <= s.right; ++x) paint<T, C>(p + x * C, newVal);
+            paintRun<T, C>(row(s.y), s.left, s.right, newVal);
             painted = wadd(painted, s.right - s.left + 1);
         }
         area = painted;
@@ -255,22 +351,56 @@ private:
         return x >= s.left && x <= s.right && near_(cand + x * C, cur + x * C);
     }
 
+    // The right walk from the marked pixel x: a pixel joins when unmarked
+    // and near its left neighbour or joining the popped span; marks and
+    // returns the last. One-channel 8u rows take 16 pixels at a time where
+    // the block lies wholly inside the span's reach or wholly beyond it.
+    int walkRight(const T* c, const T* cur, Rvp8u* m, int x, const Span& s) const {
+        int p = x + 1;
+        if constexpr (C == 1 && sizeof(T) == 1) {
+            const int e = Eight ? 1 : 0;
+            for (;;) {
+                const bool inside = p - e >= s.left && p + 15 + e <= s.right, beyond = p - e > s.right;
+                if (p + 15 <= w_ - 1 && (inside || beyond)) {
+                    int ok = near_.block(c + p, c + p - 1);
+                    if (inside) {
+                        ok |= near_.block(c + p, cur + p);
+                        if (Eight) ok |= near_.block(c + p, cur + p - 1) | near_.block(c + p, cur + p + 1);
+                    }
+                    const __m128i mv = _mm_loadu_si128(reinterpret_cast<const __m128i*>(m + p));
+                    ok &= _mm_movemask_epi8(_mm_cmpeq_epi8(mv, _mm_setzero_si128()));
+                    const int n = ok == 0xFFFF ? 16 : __builtin_ctz(static_cast<unsigned>(~ok));
+                    std::memset(m + p, 1, static_cast<size_t>(n));
+                    p += n;
+                    if (n < 16) return p - 1;
+                } else if (!m[p] && (near_(c + p * C, c + (p - 1) * C) || joins(c, cur, p, s))) {
+                    m[p++] = 1;
+                } else {
+                    return p - 1;
+                }
+            }
+        }
+        while (!m[p] && (near_(c + p * C, c + (p - 1) * C) || joins(c, cur, p, s))) m[p++] = 1;
+        return p - 1;
+    }
+
     bool scan(int y, int x0, int x1, const Span& s, int dir) {
         // Rows outside the image are all marked: nothing there can join.
         if (static_cast<unsigned>(y) >= static_cast<unsigned>(h_)) return true;
         T* c = row(y);
         const T* cur = row(s.y);
         Rvp8u* m = mrow(y);
-        for (int x = x0; x <= x1;) {
-            if (m[x] || !joins(c, cur, x, s)) {
+        for (int x = x0;;) {
+            x = nextUnmarked(m, x, x1);
+            if (x > x1) break;
+            if (!joins(c, cur, x, s)) {
                 ++x;
                 continue;
             }
             m[x] = 1;
-            int left = x, right = x;
+            int left = x;
             while (!m[left - 1] && near_(c + (left - 1) * C, c + left * C)) m[--left] = 1;
-            while (!m[right + 1] && (near_(c + (right + 1) * C, c + right * C) || joins(c, cur, right + 1, s)))
-                m[++right] = 1;
+            const int right = walkRight(c, cur, m, x, s);
             if (!stack_.push(Span{y, left, right, s.left, s.right, dir})) return false;
             x = right + 2;
         }
@@ -332,8 +462,7 @@ RvpStatus floodFill(T* img, int step, RvpiSize roi, RvpiPoint seed, const T* nv,
         for (int k = 0; k < C; ++k) same &= s[k] == nv[k];
         if (same) return rvpStsNoErr;
         if constexpr (R == Rule::Exact) {
-            ExactRule<T, C> rule;
-            for (int k = 0; k < C; ++k) rule.s[k] = s[k];
+            const ExactRule<T, C> rule(s);
             return scanFill<T, C, Eight>(img, step, roi, seed, nv, rule, 0, INT64_MAX, region, buf);
         } else {
             const RangeRule<T, C> rule(s, minD, maxD);
@@ -352,16 +481,6 @@ RvpStatus querySize(RvpiSize roi, int* pSize, bool grad) {
 }
 
 }  // namespace
-
-template <class T>
-RvpStatus exactFillC1(T* img, int step, RvpiSize roi, RvpiPoint seed, T newVal, bool eight, Rvp8u* pBuffer,
-                      RvpiConnectedComp* region) {
-    ExactRule<T, 1> rule{{rowPtr(img, step, seed.y)[seed.x]}};
-    return eight ? scanFill<T, 1, true>(img, step, roi, seed, &newVal, rule, 0, INT64_MAX, region, pBuffer)
-                 : scanFill<T, 1, false>(img, step, roi, seed, &newVal, rule, 0, INT64_MAX, region, pBuffer);
-}
-template RvpStatus exactFillC1<Rvp8u>(Rvp8u*, int, RvpiSize, RvpiPoint, Rvp8u, bool, Rvp8u*, RvpiConnectedComp*);
-template RvpStatus exactFillC1<Rvp16u>(Rvp16u*, int, RvpiSize, RvpiPoint, Rvp16u, bool, Rvp8u*, RvpiConnectedComp*);
 
 }  // namespace fill
 }  // namespace rvcv

@@ -80,19 +80,25 @@ template <class T> ref::Plane<T> planeOf(const Image<T>& img, int ch) {
 }
 
 // Image kinds: few-valued blocks (exact and range fills find regions),
-// ramps with noise (gradient fills), and a NaN now and then for floats.
+// ramps with noise and columns of random levels (gradient fills: runs that
+// continue only through the row they were reached from), and a NaN now and
+// then for floats.
 template <class T> void paintScene(Image<T>& img, int ch, int kind, std::mt19937& rng) {
     const int w = img.width(), h = img.height();
     const int bw = 1 + static_cast<int>(rng() % 6), bh = 1 + static_cast<int>(rng() % 6);
     std::vector<int> blocks(64);
     for (int& b : blocks) b = static_cast<int>(rng() % 3);
     const double gx = static_cast<double>(rng() % 9) - 4, gy = static_cast<double>(rng() % 9) - 4;
+    std::vector<int> cols(static_cast<size_t>(w));
+    int level = 60;  // a walk of small steps and a steep one now and then
+    for (int& c : cols) c = level = (level + (rng() % 3 == 0 ? 25 : static_cast<int>(rng() % 3) - 1)) % 120;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
             for (int c = 0; c < ch; ++c) {
                 double v;
                 if (kind == 0) v = 10 * blocks[(y / bh * 7 + x / bw) % 64] + (rng() % 16 == 0 ? 1 : 0);
-                else v = 100 + gx * x + gy * y + static_cast<double>(rng() % 3) + c;
+                else if (kind == 1) v = 100 + gx * x + gy * y + static_cast<double>(rng() % 3) + c;
+                else v = cols[(x + (bw % 2) * y) % w] + static_cast<double>(rng() % 3);  // steep across, gentle down or diagonally
                 if constexpr (std::is_floating_point<T>::value) {
                     img.at(x, y, c) = rng() % 97 == 0 ? std::numeric_limits<T>::quiet_NaN() : static_cast<T>(v);
                 } else {
@@ -112,11 +118,11 @@ bool sameRegion(const RvpiConnectedComp& got, const ref::Comp& want, int ch, con
 
 template <class T> void checkAgainstModel(const std::vector<Form<T>>& fs, uint32_t seed) {
     std::mt19937 rng(seed);
-    const RvpiSize sizes[] = {{1, 1}, {1, 2}, {1, 3}, {2, 2}, {2, 3}, {3, 2}, {1, 9}, {13, 1}, {5, 4}, {17, 11}, {33, 29}, {64, 48}};
+    const RvpiSize sizes[] = {{1, 1}, {1, 2}, {1, 3}, {2, 2}, {2, 3}, {3, 2}, {1, 9}, {13, 1}, {5, 4}, {17, 11}, {33, 29}, {64, 48}, {150, 9}};
     for (const Form<T>& f : fs)
         for (const RvpiSize sz : sizes)
             for (int rep = 0; rep < 6; ++rep) {
-                const int kind = f.rule == ref::FillRule::Grad ? static_cast<int>(rep % 3 != 0) : rep % 3 == 2;
+                const int kind = f.rule == ref::FillRule::Grad ? rep % 3 : rep % 3 == 2;
                 Image<T> img(sz.width, sz.height, f.ch, static_cast<int>(sizeof(T)) * (rep % 3));
                 paintScene(img, f.ch, kind, rng);
                 // Seeds on the corners and edges first, then anywhere.
