@@ -13,17 +13,20 @@
 namespace rvcv {
 namespace fill {
 
-bool SpanStack::grow() {
-    const int64_t room = 2 * room_ + 64;
-    const int64_t bytes = room * static_cast<int64_t>(sizeof(Span));
-    if (!fitsInt(bytes)) return false;
-    Span* fresh = static_cast<Span*>(rvpMalloc(static_cast<int>(bytes)));
+bool SpanStack::next() {
+    if (cur_ + 1 < chunks_) {  // a chunk taken before and left by pops
+        ++cur_;
+        off_ = 0;
+        return true;
+    }
+    if (chunks_ == 40) return false;
+    const int64_t room = 2 * chunk_[cur_].room + 1024;
+    const int64_t bytes = room * bytes_;
+    Rvp8u* fresh = fitsInt(bytes) ? static_cast<Rvp8u*>(rvpMalloc(static_cast<int>(bytes))) : nullptr;
     if (!fresh) return false;
-    if (top_ > 0) std::memcpy(fresh, base_, static_cast<size_t>(top_) * sizeof(Span));
-    if (heap_) rvpFree(heap_);
-    heap_ = fresh;
-    base_ = fresh;
-    room_ = room;
+    chunk_[chunks_++] = Chunk{fresh, room};
+    ++cur_;
+    off_ = 0;
     return true;
 }
 
@@ -287,7 +290,7 @@ template <class T, int C, bool Eight, class Match>
 RvpStatus scanFill(T* img, int step, RvpiSize roi, RvpiPoint seed, const T* newVal, const Match& match,
                    int32_t wrapAt, int64_t limit, RvpiConnectedComp* region, Rvp8u* pBuffer) {
     Rvp8u* base = alignStack(pBuffer);
-    SpanStack stack(base, stackBytes(roi) - (base - pBuffer), wrapAt);
+    SpanStack stack(base, stackBytes(roi) - (base - pBuffer), wrapAt, compactSpans(roi));
     Box box(0, 0, 0);
     int32_t area = 0;
     ScanFill<T, C, Eight, Match> f(img, step, roi, newVal, match, stack, limit);
@@ -450,7 +453,7 @@ RvpStatus floodFill(T* img, int step, RvpiSize roi, RvpiPoint seed, const T* nv,
     const T* s = rowPtr(img, step, seed.y) + seed.x * C;
     if constexpr (R == Rule::Grad) {
         Rvp8u* stackAt = alignStack(buf + (int64_t{roi.width} + 2) * (roi.height + 2));
-        SpanStack stack(stackAt, gradBytes(roi) - (stackAt - buf), 0);
+        SpanStack stack(stackAt, gradBytes(roi) - (stackAt - buf), 0, compactSpans(roi));
         GradFill<T, C, Eight> f(img, step, roi, GradRule<T, C>(minD, maxD), buf, stack);
         Box box(0, 0, 0);
         int32_t area = 0;

@@ -202,16 +202,22 @@ TEST(FloodFill, ExactFillIsTheSeedsComponent) {
 // bounded form restarts its index at the wrap count.
 TEST(FloodFill, SpanStackGrowsAndWraps) {
     alignas(8) Rvp8u room[3 * 24];
-    rvcv::fill::SpanStack grown(room, sizeof room, 0);
-    for (int i = 0; i < 1000; ++i) ASSERT_TRUE(grown.push({i, 0, 0, 0, 0, 1}));
-    for (int i = 999; i >= 0; --i) ASSERT_EQ(grown.pop().y, i);
-    EXPECT_TRUE(grown.empty());
-    rvcv::fill::SpanStack bounded(room, sizeof room, 2);
-    ASSERT_TRUE(bounded.push({1, 0, 0, 0, 0, 1}));
-    ASSERT_TRUE(bounded.push({2, 0, 0, 0, 0, 1}));
-    EXPECT_TRUE(bounded.empty());
-    ASSERT_TRUE(bounded.push({3, 0, 0, 0, 0, 1}));
-    EXPECT_EQ(bounded.pop().y, 3);
+    for (bool compact : {false, true}) {
+        rvcv::fill::SpanStack grown(room, sizeof room, 0, compact);
+        for (int i = 0; i < 5000; ++i) ASSERT_TRUE(grown.push({i % 60000, i % 7, 9, 60001, 3, i % 2 ? 1 : -1}));
+        for (int i = 4999; i >= 0; --i) {
+            const rvcv::fill::Span s = grown.pop();
+            ASSERT_TRUE(s.y == i % 60000 && s.left == i % 7 && s.right == 9 && s.parentLeft == 60001 &&
+                        s.parentRight == 3 && s.dir == (i % 2 ? 1 : -1));
+        }
+        EXPECT_TRUE(grown.empty());
+        rvcv::fill::SpanStack bounded(room, sizeof room, 2, compact);
+        ASSERT_TRUE(bounded.push({1, 0, 0, 0, 0, 1}));
+        ASSERT_TRUE(bounded.push({2, 0, 0, 0, 0, 1}));
+        EXPECT_TRUE(bounded.empty());
+        ASSERT_TRUE(bounded.push({3, 0, 0, 0, 0, 1}));
+        EXPECT_EQ(bounded.pop().y, 3);
+    }
 }
 
 // Cases to read by eye.
