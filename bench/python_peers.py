@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Timings against the Python peers, at 1920x1080 on one thread each:
 inpainting (scikit-image biharmonic), composite morphology (SciPy grey
-opening and white top-hat), the exact distance transform (SciPy). Run from
+opening and white top-hat), the exact distance transform (SciPy), fast
+marching (scikit-fmm, Debian's python3-scikit-fmm, when installed). Run from
 the build tree: PYTHONPATH=build/release/python bench/python_peers.py"""
 import time
 
@@ -36,6 +37,14 @@ def main():
     zeros = (img > 60).astype(np.uint8)
     rows.append(("exact distance", best(lambda: rvpcv.true_distance(zeros)),
                  best(lambda: ndi.distance_transform_edt(zeros), 1), "scipy distance_transform_edt"))
+
+    try:
+        import skfmm
+        phi = np.where(zeros > 0, 1.0, -1.0)
+        rows.append(("fast marching", best(lambda: rvpcv.fast_marching(zeros)),
+                     best(lambda: skfmm.distance(phi), 1), "skfmm distance"))
+    except ImportError:
+        pass
 
     from skimage.restoration import inpaint_biharmonic
     mask = np.zeros((h, w), np.uint8)

@@ -1673,6 +1673,56 @@ RVPAPI RvpStatus rvpiMinMaxIndx_32f_C3CR(const Rvp32f* pSrc, int srcStep, RvpiSi
                                          Rvp32f* pMinVal, Rvp32f* pMaxVal, RvpiPoint* pMinIndex,
                                          RvpiPoint* pMaxIndex);
 
+/* ---- Chamfer distance transforms ------------------------------------------ */
+/* Each nonzero pixel of pSrc gets the distance to the nearest zero pixel
+ * along steps of the mask: side and diagonal (3x3: pMetrics m0, m1), and
+ * knight steps (5x5: side a, diagonal b, knight c). A forward pass (rows
+ * down, left to right) and a backward pass (rows up, right to left); the
+ * result saturates at MAX = 255 (8u), 65535 (8u16u) or the largest float
+ * 0x7F7FFFFF (8u32f, the value of pixels no zero reaches). Zero pixels get 0.
+ * Rules for the weights:
+ *  - 3x3: diagonals take no part when m1 >= 2 * m0; when m0 > m1 and both
+ *    sides are at least 2, the last row also takes (2, 0) steps of 2 * m1
+ *    (the way up a diagonal and back down).
+ *  - 5x5: bd = min(2a, b); when c >= a + bd the 3x3 form runs with a and b.
+ *    Weights are regular when a < bd, 2a < c and 3bd < 2c: one pass each way.
+ *    Otherwise effective weights a' = min(3c, a), b' = min(2c, bd), knight c,
+ *    (2, 0) steps of min(2b', 2a', 2c) along the first and last rows, and the
+ *    two passes repeat until nothing changes: the result is the shortest way
+ *    over those steps.
+ *  - Integer sums are exact (weights act as at most MAX + 1); float sums are
+ *    single precision, and a NaN sum never wins a minimum.
+ * Results equal the shortest way from the nearest zero over the steps above.
+ * The in-place 8u forms read each source pixel before writing it. No threads,
+ * no heap.
+ * Statuses: NullPtr, Size, Step (srcStep below the width, dstStep below one
+ * row of results), NotEvenStep (dstStep of 16u or 32f results), Metric (an
+ * integer weight below 1, a float weight not above 0; a NaN passes).
+ * Standard weights (kernelSize 3 or 5, norm 0, 1, 2): 3x3 {1,1} {1,2} {2,3}
+ * and {1,1} {1,2} {0.955,1.3693}; 5x5 {1,1,2} {1,2,3} {5,7,11} and {1,1,2}
+ * {1,2,3} {1,1.4,2.1969}. Statuses: NullPtr, Size (kernelSize), BadArg (norm);
+ * rvpiGetDistanceTransformMask takes maskType = kernelSize * 10 + norm and
+ * tests the norm (BadArg) before the pointer and the mask size (Size). */
+RVPAPI RvpStatus rvpiGetDistanceTransformMask_32s(int kernelSize, int norm, Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiGetDistanceTransformMask_32f(int kernelSize, int norm, Rvp32f* pMetrics);
+RVPAPI RvpStatus rvpiGetDistanceTransformMask(int maskType, Rvp32f* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_3x3_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                  RvpiSize roiSize, const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_5x5_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                                  RvpiSize roiSize, const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_3x3_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize,
+                                                   const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_5x5_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize,
+                                                   const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_3x3_8u16u_C1R(const Rvp8u* pSrc, int srcStep, Rvp16u* pDst, int dstStep,
+                                                     RvpiSize roiSize, const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_5x5_8u16u_C1R(const Rvp8u* pSrc, int srcStep, Rvp16u* pDst, int dstStep,
+                                                     RvpiSize roiSize, const Rvp32s* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_3x3_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                     RvpiSize roiSize, const Rvp32f* pMetrics);
+RVPAPI RvpStatus rvpiDistanceTransform_5x5_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                                     RvpiSize roiSize, const Rvp32f* pMetrics);
+
 /* ---- Exact distance transform --------------------------------------------- */
 /* Each pixel of pDst gets the Euclidean distance from its pixel of pSrc to
  * the nearest zero pixel: a column pass of squared vertical distances (the
@@ -1689,6 +1739,30 @@ RVPAPI RvpStatus rvpiMinMaxIndx_32f_C3CR(const Rvp32f* pSrc, int srcStep, RvpiSi
 RVPAPI RvpStatus rvpiTrueDistanceTransformGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* pBufferSize);
 RVPAPI RvpStatus rvpiTrueDistanceTransform_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                                      RvpiSize roiSize, Rvp8u* pBuffer);
+
+/* ---- Fast marching ---------------------------------------------------------- */
+/* Solves the eikonal equation with unit grid step on a mask: each nonzero
+ * pixel of pSrc gets its distance to the zero set in pDst. The update of two
+ * neighbours a, b (d = a - b) is min(a, b) + 1 when |d| >= 1, else
+ * (a + b + sqrt(2 - d * d)) * 0.5, in single precision. A first pixel with no
+ * zero before it starts at 999999.0. With radius > 0, zero-set pixels within
+ * radius of the border get negative distances (-1e-10 next to it), those
+ * farther in 0; without (radius 0 or NaN) the zero set is 0.
+ * Row sweeps stand in for a heap: a first sweep and a sweep back, then sweeps
+ * down and up repeated where a mark plane says a pixel may still improve,
+ * until no mark is left. Images of 6 rows or more are cut at a seam row
+ * where half the nonzero pixels lie above; the halves are swept on two
+ * threads when the library may use more than one (never more than two), or
+ * in turn on one, so the result is the same for every thread count.
+ * pBuffer: rvpiFastMarchingGetBufferSize bytes, (height + 34) * (pitch + 5) +
+ * 40 with pitch the width rounded up to 32; its contents on entry do not
+ * matter.
+ * Statuses: NullPtr, Size (also a buffer that would not fit an int), Step
+ * (srcStep below the width, dstStep below 4 * width), NotEvenStep (dstStep),
+ * BadArg (radius below 0). */
+RVPAPI RvpStatus rvpiFastMarchingGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFastMarching_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp32f radius, Rvp8u* pBuffer);
 
 #ifdef __cplusplus
 }

@@ -12,7 +12,7 @@ from ._support import (BadArgumentError, MemoryAllocationError, NullPointerError
                        StatusError, StatusWarning, StepError)
 from .absdiff import absdiff, absdiff_scalar
 from .accumulate import accumulate, accumulate_product, accumulate_square, accumulate_weighted
-from .distance import true_distance
+from .distance import chamfer_distance, fast_marching, true_distance
 from .detect import canny, eigenvalues_vectors, integral, min_eigenvalue
 from .fill import flood_fill, label_markers
 from .filters import box_blur, gaussian, laplacian, scharr, sobel

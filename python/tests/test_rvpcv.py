@@ -75,6 +75,18 @@ def test_true_distance_matches_scipy():
     assert np.array_equal(rvpcv.true_distance(img), want)
 
 
+def test_chamfer_matches_scipy_and_fast_marching_is_close():
+    import scipy.ndimage as ndi
+    img = (IMG > 40).astype(np.uint8)
+    for norm, metric in ((0, "chessboard"), (1, "taxicab")):
+        want = ndi.distance_transform_cdt(img, metric=metric)
+        assert np.array_equal(rvpcv.chamfer_distance(img, 3, norm, dtype=np.uint16), want)
+    exact = ndi.distance_transform_edt(img)
+    assert np.allclose(rvpcv.fast_marching(img), exact, rtol=0.1, atol=1.0)
+    with pytest.raises(ValueError):
+        rvpcv.chamfer_distance(img, 5, weights=(1, 1))
+
+
 def test_reconstruction_matches_scikit_image():
     morphology = pytest.importorskip("skimage.morphology")
     seed = np.maximum(IMG.astype(np.int16) - 40, 0).astype(np.uint8)

@@ -3,7 +3,7 @@
 // the marked areas inward. --method 0 weighs known neighbours along the
 // distance to the edge (the default), 1 along the picture's isophotes;
 // --radius (default 5) is how far a pixel looks for known neighbours. The
-// fill order is the city-block distance from the known pixels.
+// fill order is the fast-marching distance from the known pixels.
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
@@ -15,28 +15,21 @@ namespace {
 
 const char* const kUsage = "IN MASK OUT [--method 0|1] [--radius R]";
 
-// City-block distance of each masked pixel to the nearest known one, 0 outside.
-std::vector<float> distances(const std::vector<Rvp8u>& mask, int w, int h) {
-    std::vector<float> d(mask.size());
-    for (size_t i = 0; i < d.size(); ++i) d[i] = mask[i] ? 1e30f : 0.0f;
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            float& v = d[static_cast<size_t>(y) * w + x];
-            if (x > 0) v = std::min(v, d[static_cast<size_t>(y) * w + x - 1] + 1);
-            if (y > 0) v = std::min(v, d[static_cast<size_t>(y - 1) * w + x] + 1);
-        }
-    for (int y = h - 1; y >= 0; --y)
-        for (int x = w - 1; x >= 0; --x) {
-            float& v = d[static_cast<size_t>(y) * w + x];
-            if (x + 1 < w) v = std::min(v, d[static_cast<size_t>(y) * w + x + 1] + 1);
-            if (y + 1 < h) v = std::min(v, d[static_cast<size_t>(y + 1) * w + x] + 1);
-        }
-    return d;
+// Fast-marching distance of each masked pixel to the nearest known one, 0
+// outside.
+RvpStatus distances(const std::vector<Rvp8u>& mask, int w, int h, std::vector<float>& d) {
+    const RvpiSize roi{w, h};
+    int bytes = 0;
+    if (RvpStatus st = rvpiFastMarchingGetBufferSize_8u32f_C1R(roi, &bytes)) return st;
+    std::vector<Rvp8u> buffer(static_cast<size_t>(bytes));
+    d.resize(mask.size());
+    return rvpiFastMarching_8u32f_C1R(mask.data(), w, d.data(), 4 * w, roi, 0.0f, buffer.data());
 }
 
 RvpStatus restore(const Picture& in, const std::vector<Rvp8u>& mask, int method, float radius, Picture& out) {
     const RvpiSize roi{in.width, in.height};
-    const std::vector<float> dist = distances(mask, in.width, in.height);
+    std::vector<float> dist;
+    if (RvpStatus st = distances(mask, in.width, in.height, dist)) return st;
     RvpiInpaintState* s = nullptr;
     const bool c3 = in.channels == 3;
     RvpStatus st = (c3 ? rvpiInpaintInitAlloc_8u_C3R : rvpiInpaintInitAlloc_8u_C1R)(
