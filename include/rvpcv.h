@@ -1193,10 +1193,11 @@ RVPAPI RvpStatus rvpiFloodFillGetSize_Grad(RvpiSize roiSize, int* pBufferSize);
  * minLabel after maxLabel, so labels repeat when components outnumber them.
  * *pNumber receives the number of components, however many labels there are.
  * pBuffer: rvpiLabelMarkersGetBufferSize bytes, 6 * width * height + 32.
+ * Runs on the calling thread.
  * Statuses: NullPtr (pMarker, pBuffer, pNumber), Size (also a size whose
  * buffer would not fit an int), Step, NotEvenStep (16u odd step), BadArg
  * (minLabel < 1, maxLabel not below the top value, minLabel > maxLabel, norm
- * other than 0 and 1), MemAlloc (as for the fills; the image partly labelled). */
+ * other than 0 and 1). */
 RVPAPI RvpStatus rvpiLabelMarkers_8u_C1IR(Rvp8u* pMarker, int markerStep, RvpiSize roiSize, int minLabel, int maxLabel, int norm, int* pNumber, Rvp8u* pBuffer);
 RVPAPI RvpStatus rvpiLabelMarkers_16u_C1IR(Rvp16u* pMarker, int markerStep, RvpiSize roiSize, int minLabel, int maxLabel, int norm, int* pNumber, Rvp8u* pBuffer);
 /* Statuses: NullPtr, Size (also when the size does not fit an int). */
