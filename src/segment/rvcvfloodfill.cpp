@@ -133,6 +133,10 @@ template <class T, int C, class Match> struct Runs {
 
 template <class T, int C> inline void paintRun(T* r, int left, int right, const T* v) {
     if constexpr (C == 1) {
+        if (right - left < 16) {  // short runs, the common case in texture: no call
+            for (int x = left; x <= right; ++x) r[x] = v[0];
+            return;
+        }
         std::fill(r + left, r + right + 1, v[0]);
     } else {
         for (int x = left; x <= right; ++x) paint<T, C>(r + x * C, v);
@@ -239,9 +243,9 @@ public:
                 const int lo = Eight ? (s.left > 0 ? s.left - 1 : 0) : s.left;
                 const int hi = Eight ? (s.right < w_ - 1 ? s.right + 1 : w_ - 1) : s.right;
                 const int fwd = s.y - s.dir, back = s.y + s.dir;
-                if (static_cast<unsigned>(fwd) < static_cast<unsigned>(h_)) ok = scan(fwd, lo, hi, s, s.dir);
-                ok = ok && scan(back, lo, s.parentLeft - 1, s, -s.dir);
-                ok = ok && scan(back, s.parentRight + 1, hi, s, -s.dir);
+                if (static_cast<unsigned>(fwd) < static_cast<unsigned>(h_)) ok = scan(fwd, lo, hi, s.left, s.right, s.dir);
+                ok = ok && scan(back, lo, s.parentLeft - 1, s.left, s.right, -s.dir);
+                ok = ok && scan(back, s.parentRight + 1, hi, s.left, s.right, -s.dir);
             }
         }
         area = area_;
@@ -261,14 +265,15 @@ private:
         paintRun<T, C>(r, left, right, nv_);
     }
 
-    bool scan(int y, int x0, int x1, const Span& s, int dir) {
+    // Runs of row y in x0..x1, children of the popped span pl..pr.
+    bool scan(int y, int x0, int x1, int pl, int pr, int dir) {
         T* r = row(y);
         for (int x = x0;;) {
             x = Runs<T, C, Match>::find(match_, r, x, x1);
             if (x > x1) break;
             int left, right;
             extend(r, x, left, right);
-            if (!stack_.push(Span{y, left, right, s.left, s.right, dir})) return false;
+            if (!stack_.push(Span{y, left, right, pl, pr, dir})) return false;
             area_ = wadd(area_, right - left + 1);
             counted_ += right - left + 1;
             x = right + 2;
@@ -330,9 +335,9 @@ public:
             const Span s = stack_.pop();
             box.widen(s);
             const int e = Eight ? 1 : 0;
-            ok = scan(s.y - s.dir, s.left - e, s.right + e, s, s.dir) &&
-                 scan(s.y + s.dir, s.left - e, s.parentLeft - 1, s, -s.dir) &&
-                 scan(s.y + s.dir, s.parentRight + 1, s.right + e, s, -s.dir);
+            ok = scan(s.y - s.dir, s.left - e, s.right + e, s.y, s.left, s.right, s.dir) &&
+                 scan(s.y + s.dir, s.left - e, s.parentLeft - 1, s.y, s.left, s.right, -s.dir) &&
+                 scan(s.y + s.dir, s.parentRight + 1, s.right + e, s.y, s.left, s.right, -s.dir);
             paintRun<T, C>(row(s.y), s.left, s.right, newVal);
             painted = wadd(painted, s.right - s.left + 1);
         }
@@ -344,66 +349,72 @@ private:
     T* row(int y) const { return rowPtr(img_, step_, y); }
     Rvp8u* mrow(int y) const { return mask_ + static_cast<ptrdiff_t>(w_ + 2) * (y + 1) + 1; }
 
-    // Candidate at column x of `cand` against the popped span in `cur`.
-    bool joins(const T* cand, const T* cur, int x, const Span& s) const {
-        if (Eight) {
-            for (int k = x - 1; k <= x + 1; ++k)
-                if (k >= s.left && k <= s.right && near_(cand + x * C, cur + k * C)) return true;
-            return false;
-        }
-        return x >= s.left && x <= s.right && near_(cand + x * C, cur + x * C);
-    }
-
-    // The right walk from the marked pixel x: a pixel joins when unmarked
-    // and near its left neighbour or joining the popped span; marks and
-    // returns the last. One-channel 8u rows take 16 pixels at a time where
-    // the block lies wholly inside the span's reach or wholly beyond it.
-    int walkRight(const T* c, const T* cur, Rvp8u* m, int x, const Span& s) const {
-        int p = x + 1;
-        if constexpr (C == 1 && sizeof(T) == 1) {
-            const int e = Eight ? 1 : 0;
-            for (;;) {
-                const bool inside = p - e >= s.left && p + 15 + e <= s.right, beyond = p - e > s.right;
-                if (p + 15 <= w_ - 1 && (inside || beyond)) {
-                    int ok = near_.block(c + p, c + p - 1);
-                    if (inside) {
-                        ok |= near_.block(c + p, cur + p);
-                        if (Eight) ok |= near_.block(c + p, cur + p - 1) | near_.block(c + p, cur + p + 1);
-                    }
-                    const __m128i mv = _mm_loadu_si128(reinterpret_cast<const __m128i*>(m + p));
-                    ok &= _mm_movemask_epi8(_mm_cmpeq_epi8(mv, _mm_setzero_si128()));
-                    const int n = ok == 0xFFFF ? 16 : __builtin_ctz(static_cast<unsigned>(~ok));
-                    std::memset(m + p, 1, static_cast<size_t>(n));
-                    p += n;
-                    if (n < 16) return p - 1;
-                } else if (!m[p] && (near_(c + p * C, c + (p - 1) * C) || joins(c, cur, p, s))) {
-                    m[p++] = 1;
-                } else {
-                    return p - 1;
-                }
-            }
-        }
-        while (!m[p] && (near_(c + p * C, c + (p - 1) * C) || joins(c, cur, p, s))) m[p++] = 1;
-        return p - 1;
-    }
-
-    bool scan(int y, int x0, int x1, const Span& s, int dir) {
+    // Scans columns x0..x1 of row y for pixels joining the popped span
+    // (row sy, columns sl..sr; passed as numbers, which stay in registers).
+    // Everything the loops read is copied to locals first: the mask and
+    // 8-bit pixels are written through byte pointers, which may alias any
+    // member, and would force every member to be read again after a store.
+    bool scan(int y, int x0, int x1, int sy, int sl, int sr, int dir) {
         // Rows outside the image are all marked: nothing there can join.
         if (static_cast<unsigned>(y) >= static_cast<unsigned>(h_)) return true;
+        const struct { int y, left, right; } s{sy, sl, sr};
+        const GradRule<T, C> near = near_;
+        const int w = w_;
         T* c = row(y);
         const T* cur = row(s.y);
         Rvp8u* m = mrow(y);
+        // Candidate at column x against the popped span in `cur`.
+        const auto joins = [&](int x) {
+            if (Eight) {
+                for (int k = x - 1; k <= x + 1; ++k)
+                    if (k >= s.left && k <= s.right && near(c + x * C, cur + k * C)) return true;
+                return false;
+            }
+            return x >= s.left && x <= s.right && near(c + x * C, cur + x * C);
+        };
+        // The right walk from the marked pixel x: a pixel joins when unmarked
+        // and near its left neighbour or joining the popped span; marks and
+        // returns the last. One-channel 8u rows take 16 pixels at a time where
+        // the block lies wholly inside the span's reach or wholly beyond it.
+        const auto walkRight = [&](int x) {
+            int p = x + 1;
+            if constexpr (C == 1 && sizeof(T) == 1) {
+                const int e = Eight ? 1 : 0;
+                for (;;) {
+                    const bool inside = p - e >= s.left && p + 15 + e <= s.right, beyond = p - e > s.right;
+                    if (p + 15 <= w - 1 && (inside || beyond)) {
+                        int ok = near.block(c + p, c + p - 1);
+                        if (inside) {
+                            ok |= near.block(c + p, cur + p);
+                            if (Eight) ok |= near.block(c + p, cur + p - 1) | near.block(c + p, cur + p + 1);
+                        }
+                        const __m128i mv = _mm_loadu_si128(reinterpret_cast<const __m128i*>(m + p));
+                        ok &= _mm_movemask_epi8(_mm_cmpeq_epi8(mv, _mm_setzero_si128()));
+                        const int n = ok == 0xFFFF ? 16 : __builtin_ctz(static_cast<unsigned>(~ok));
+                        std::memset(m + p, 1, static_cast<size_t>(n));
+                        p += n;
+                        if (n < 16) return p - 1;
+                    } else if (!m[p] && (near(c + p * C, c + (p - 1) * C) || joins(p))) {
+                        m[p++] = 1;
+                    } else {
+                        return p - 1;
+                    }
+                }
+            }
+            while (!m[p] && (near(c + p * C, c + (p - 1) * C) || joins(p))) m[p++] = 1;
+            return p - 1;
+        };
         for (int x = x0;;) {
             x = nextUnmarked(m, x, x1);
             if (x > x1) break;
-            if (!joins(c, cur, x, s)) {
+            if (!joins(x)) {
                 ++x;
                 continue;
             }
             m[x] = 1;
             int left = x;
-            while (!m[left - 1] && near_(c + (left - 1) * C, c + left * C)) m[--left] = 1;
-            const int right = walkRight(c, cur, m, x, s);
+            while (!m[left - 1] && near(c + (left - 1) * C, c + left * C)) m[--left] = 1;
+            const int right = walkRight(x);
             if (!stack_.push(Span{y, left, right, s.left, s.right, dir})) return false;
             x = right + 2;
         }
