@@ -85,7 +85,7 @@ template <class T> void sweep(int mask, const std::vector<std::vector<double>>& 
     using W = typename std::conditional<std::is_floating_point<T>::value, Rvp32f, Rvp32s>::type;
     const A maxVal = std::is_floating_point<T>::value ? A(FLT_MAX) : A(std::numeric_limits<T>::max());
     std::mt19937 rng(mask * 100 + sizeof(T));
-    const RvpiSize sizes[] = {{1, 1}, {1, 7}, {7, 1}, {2, 5}, {5, 2}, {3, 4}, {13, 9}, {300, 6}, {41, 37}};
+    const RvpiSize sizes[] = {{1, 1}, {1, 7}, {7, 1}, {2, 5}, {5, 2}, {3, 4}, {13, 9}, {300, 6}, {41, 37}, {700, 9}};
     for (const auto& ws : weightSets) {
         W m[3];
         for (int i = 0; i < 3; ++i) m[i] = static_cast<W>(ws[i]);
