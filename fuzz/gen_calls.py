@@ -11,7 +11,8 @@ import re
 import sys
 
 SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32u": 4, "Rvp32f": 4, "Rvp64f": 8,
-           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16, "RvpiPoint32f": 8}
+           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16, "RvpiPoint32f": 8,
+           "RvpiConnectedComp": 48}
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
            "RvpiRect": "kRect"}
@@ -104,8 +105,11 @@ def main():
                 qsuffix = q.split("_", 1)[1] if "_" in q else ""
                 base = re.sub(r"Get(Buffer|Buf)?Size.*", "", q.split("_", 1)[0])
                 plain = suffix.replace("IR", "R")
+                # A query whose suffix names the function's form beats the
+                # plain query of the same stem (GetSize_Grad for Grad forms).
+                score = len(base) + (0.5 if qsuffix else 0)
                 if (qsuffix and qsuffix not in (suffix, plain) and not suffix.startswith(qsuffix)) \
-                        or not stem.startswith(base) or len(base) <= best:
+                        or not stem.startswith(base) or score <= best:
                     continue
                 m = []
                 for qp in qps[:-1]:
@@ -115,7 +119,7 @@ def main():
                     m.append(found[0] if found else -2)
                 if -2 in m:
                     continue
-                best, query, qmap = len(base), qi, m
+                best, query, qmap = score, qi, m
         args = []
         for i, (p, r) in enumerate(zip(ps, rows)):
             k = r["kind"]

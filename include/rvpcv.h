@@ -1032,6 +1032,178 @@ RVPAPI RvpStatus rvpiSegmentGradient_8u_C3IR(const Rvp8u* pSrc, int srcStep, Rvp
 RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C1R(RvpiSize roiSize, int* pBufferSize);
 RVPAPI RvpStatus rvpiSegmentGradientGetBufferSize_8u_C3R(RvpiSize roiSize, int* pBufferSize);
 
+/* ---- Flood fill ---------------------------------------------------------- */
+/* Region record of a fill: pixels counted (the 32-bit count, as a double),
+ * the fill value (C1 forms: value[0], then 0.0 twice) and the bounding box. */
+typedef struct {
+    Rvp64f   area;
+    Rvp64f   value[3];
+    RvpiRect rect;
+} RvpiConnectedComp;
+/* Scan-line flood fill from one seed, in place, on the calling thread; the
+ * spans waiting to be scanned live in pBuffer (24-byte records, the stack at
+ * pBuffer rounded up to 8 bytes; behind a visited mask of (w + 2) * (h + 2)
+ * bytes for the gradient fills). A C3 pixel passes a test when all three
+ * channels do, and each channel has its own value and deltas.
+ * Rules:
+ *  - exact (4Con, 8Con): pixels equal to the seed's first value (32f: an
+ *    ordered compare, a NaN never matches, so a NaN seed paints only itself);
+ *  - Range: lo = seed - minDelta .. hi = seed + maxDelta, both inclusive,
+ *    clamped to the type's range for 8u and 16u, unclamped for 32f (NaN fails);
+ *  - Grad: a pixel a joins next to an accepted pixel b when
+ *    -minDelta <= a - b <= maxDelta, for integers (a + minDelta) - b <=
+ *    minDelta + maxDelta in unsigned 32 bits; for 32f |(a + h) - b| <= r with
+ *    h = (minDelta - maxDelta) * 0.5, r = (minDelta + maxDelta) * 0.5 in
+ *    single precision (NaN fails). A run grows to the left by its own
+ *    neighbours only and to the right also by the row it was reached from.
+ * The exact and range fills return at once, with pRegion unwritten, when the
+ * seed already holds the new value; a one-row image is filled by the seed
+ * row's run. The spans of each row are scanned in a fixed order (the row
+ * away from the one a span grew from, then the stretches of that row beyond
+ * its parent), last found first scanned; the gradient fills mark pixels as
+ * they find them and paint a span once its neighbours are scanned, counting
+ * area then. The range fills keep at most w * h / 4 spans: the stack index
+ * restarts at 0 when it reaches that count, older spans are overwritten and
+ * the fill may end with spans never scanned (area counts them, rect misses
+ * them), and with exactly one place (w * h from 4 to 7) and two rows or more
+ * only the seed row is filled. Their painted pixels keep matching when the
+ * new value lies inside lo..hi and may be counted again; such a fill also
+ * stops once it has counted 16 * w * h pixels, since it might never end.
+ * Deviation, for memory safety: an exact or gradient fill whose waiting spans
+ * outgrow pBuffer (tangled patterns only) continues on memory it allocates
+ * and frees, and if that fails stops with rvpStsMemAllocErr, the image
+ * partly filled.
+ * Statuses: NullPtr (pSrcDst, pRegion, pBuffer; pNewVal, pMinDelta,
+ * pMaxDelta), Size (also a size whose buffer would not fit an int), Step
+ * (below width for 8u, 2 * width 16u C1, 6 * width 16u C3, 4 * width 32f),
+ * NotEvenStep (16u odd, 32f not a multiple of 4), OutOfRange (seed outside
+ * the image; Grad 32f: a delta below 0, NaN passes), MemAlloc. */
+RVPAPI RvpStatus rvpiFloodFill_4Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                            Rvp8u newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_4Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                            const Rvp8u* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_4Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             Rvp16u newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_4Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             const Rvp16u* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_4Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             Rvp32f newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_4Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             const Rvp32f* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                            Rvp8u newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                            const Rvp8u* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             Rvp16u newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             const Rvp16u* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             Rvp32f newVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_8Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                             const Rvp32f* pNewVal, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                Rvp8u newVal, Rvp8u minDelta, Rvp8u maxDelta,
+                                                RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                const Rvp8u* pNewVal, const Rvp8u* pMinDelta, const Rvp8u* pMaxDelta,
+                                                RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp16u newVal, Rvp16u minDelta, Rvp16u maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp16u* pNewVal, const Rvp16u* pMinDelta,
+                                                 const Rvp16u* pMaxDelta, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp32f newVal, Rvp32f minDelta, Rvp32f maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad4Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp32f* pNewVal, const Rvp32f* pMinDelta,
+                                                 const Rvp32f* pMaxDelta, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                Rvp8u newVal, Rvp8u minDelta, Rvp8u maxDelta,
+                                                RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                const Rvp8u* pNewVal, const Rvp8u* pMinDelta, const Rvp8u* pMaxDelta,
+                                                RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp16u newVal, Rvp16u minDelta, Rvp16u maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp16u* pNewVal, const Rvp16u* pMinDelta,
+                                                 const Rvp16u* pMaxDelta, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp32f newVal, Rvp32f minDelta, Rvp32f maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Grad8Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp32f* pNewVal, const Rvp32f* pMinDelta,
+                                                 const Rvp32f* pMaxDelta, RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp8u newVal, Rvp8u minDelta, Rvp8u maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp8u* pNewVal, const Rvp8u* pMinDelta, const Rvp8u* pMaxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  Rvp16u newVal, Rvp16u minDelta, Rvp16u maxDelta,
+                                                  RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  const Rvp16u* pNewVal, const Rvp16u* pMinDelta,
+                                                  const Rvp16u* pMaxDelta, RvpiConnectedComp* pRegion,
+                                                  Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  Rvp32f newVal, Rvp32f minDelta, Rvp32f maxDelta,
+                                                  RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range4Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  const Rvp32f* pNewVal, const Rvp32f* pMinDelta,
+                                                  const Rvp32f* pMaxDelta, RvpiConnectedComp* pRegion,
+                                                  Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_8u_C1IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 Rvp8u newVal, Rvp8u minDelta, Rvp8u maxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_8u_C3IR(Rvp8u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                 const Rvp8u* pNewVal, const Rvp8u* pMinDelta, const Rvp8u* pMaxDelta,
+                                                 RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_16u_C1IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  Rvp16u newVal, Rvp16u minDelta, Rvp16u maxDelta,
+                                                  RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_16u_C3IR(Rvp16u* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  const Rvp16u* pNewVal, const Rvp16u* pMinDelta,
+                                                  const Rvp16u* pMaxDelta, RvpiConnectedComp* pRegion,
+                                                  Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_32f_C1IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  Rvp32f newVal, Rvp32f minDelta, Rvp32f maxDelta,
+                                                  RvpiConnectedComp* pRegion, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFloodFill_Range8Con_32f_C3IR(Rvp32f* pSrcDst, int srcDstStep, RvpiSize roiSize, RvpiPoint seed,
+                                                  const Rvp32f* pNewVal, const Rvp32f* pMinDelta,
+                                                  const Rvp32f* pMaxDelta, RvpiConnectedComp* pRegion,
+                                                  Rvp8u* pBuffer);
+/* Buffer of the exact and range fills: 6 * width * height + 32 bytes; of the
+ * gradient fills: (width + 2) * (height + 2) + 6 * width * height + 32.
+ * Statuses: NullPtr, Size (also when the size does not fit an int). */
+RVPAPI RvpStatus rvpiFloodFillGetSize(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiFloodFillGetSize_Grad(RvpiSize roiSize, int* pBufferSize);
+
+/* ---- Marker labelling ----------------------------------------------------- */
+/* Labels the connected components of the nonzero pixels in place: every
+ * nonzero pixel first becomes the top value (255 or 65535, which marks an
+ * unlabelled pixel); rows are then scanned from the top, pixels from the
+ * left, and each top-valued pixel seeds an exact fill (norm 1: 4 neighbours,
+ * norm 0: 8) with the next label, starting at minLabel and returning to
+ * minLabel after maxLabel, so labels repeat when components outnumber them.
+ * *pNumber receives the number of components, however many labels there are.
+ * pBuffer: rvpiLabelMarkersGetBufferSize bytes, 6 * width * height + 32.
+ * Runs on the calling thread.
+ * Statuses: NullPtr (pMarker, pBuffer, pNumber), Size (also a size whose
+ * buffer would not fit an int), Step, NotEvenStep (16u odd step), BadArg
+ * (minLabel < 1, maxLabel not below the top value, minLabel > maxLabel, norm
+ * other than 0 and 1). */
+RVPAPI RvpStatus rvpiLabelMarkers_8u_C1IR(Rvp8u* pMarker, int markerStep, RvpiSize roiSize, int minLabel, int maxLabel, int norm, int* pNumber, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiLabelMarkers_16u_C1IR(Rvp16u* pMarker, int markerStep, RvpiSize roiSize, int minLabel, int maxLabel, int norm, int* pNumber, Rvp8u* pBuffer);
+/* Statuses: NullPtr, Size (also when the size does not fit an int). */
+RVPAPI RvpStatus rvpiLabelMarkersGetBufferSize_8u_C1R(RvpiSize roiSize, int* pBufferSize);
+RVPAPI RvpStatus rvpiLabelMarkersGetBufferSize_16u_C1R(RvpiSize roiSize, int* pBufferSize);
+
 /* ---- Inpainting ---------------------------------------------------------- */
 /* Fills the pixels a mask marks (nonzero), from the outer edge inward in the
  * order of a distance map (a fast-marching map suits: 0 outside the mask,

@@ -14,6 +14,7 @@ from .absdiff import absdiff, absdiff_scalar
 from .accumulate import accumulate, accumulate_product, accumulate_square, accumulate_weighted
 from .distance import chamfer_distance, fast_marching, true_distance
 from .detect import canny, eigenvalues_vectors, integral, min_eigenvalue
+from .fill import flood_fill, label_markers
 from .filters import box_blur, gaussian, laplacian, scharr, sobel
 from .geometry import undistort, undistort_maps
 from .flow import optical_flow

@@ -193,3 +193,26 @@ def test_optical_flow_follows_a_shift():
     nxt, status, error = rvpcv.optical_flow(scene(0, 0), scene(1.5, -0.75), pts, window=15, levels=2)
     assert (status == 0).all()
     assert np.abs(nxt - pts - [1.5, -0.75]).max() < 0.05
+
+
+def test_flood_fill_and_labels_against_scipy():
+    from scipy import ndimage
+    binary = (IMG > 128).astype(np.uint8)
+    for connectivity, structure in ((4, None), (8, np.ones((3, 3), bool))):
+        labels, count = rvpcv.label_markers(binary.astype(np.uint16), connectivity)
+        want, n = ndimage.label(binary, structure)
+        # Components numbered in raster order of their first pixel, as scipy's are.
+        assert count == n and np.array_equal(labels, want)
+        seed = tuple(np.argwhere(binary)[0][::-1])
+        filled, region = rvpcv.flood_fill(binary, seed, 7, connectivity=connectivity)
+        comp = want == want[seed[1], seed[0]]
+        assert np.array_equal(filled == 7, comp) and region["area"] == comp.sum()
+    rgb = np.dstack([IMG, IMG, IMG]).astype(np.float32)
+    filled, region = rvpcv.flood_fill(rgb, (0, 0), (1, 2, 3), "range", (5, 5), 8)
+    assert region["value"] == (1.0, 2.0, 3.0) and (filled[0, 0] == (1, 2, 3)).all()
+    _, none = rvpcv.flood_fill(binary, (0, 0), binary[0, 0])
+    assert none is None
+    with pytest.raises(rvpcv.RangeError):
+        rvpcv.flood_fill(IMG, (IMG.shape[1], 0), 1, "grad", (2, 2))
+    with pytest.raises(rvpcv.BadArgumentError):
+        rvpcv.label_markers(binary, max_label=255)
