@@ -23,6 +23,7 @@ struct RvpiOptFlowPyrLKState {
     Rvp32s hint;        // kept, never read
     Rvp32s winSize;
     Rvp8u* pBuffer;
+    Rvp32s scharrBytes;  // the filter scratch inside pBuffer, as the queries gave it then
 };
 
 namespace rvcv {
@@ -216,24 +217,32 @@ template <class P, class G> void patchDerivatives(const P* s, int n, G* dx, G* d
 }
 
 // ---- State layout -------------------------------------------------------------
+// What the Scharr filters need for a size: it grows with the permitted
+// thread count, so it is asked again before each level.
+template <class T> void scharrNeed(RvpiSize size, int& a, int& b) {
+    a = b = 0;
+    if (std::is_same<T, Rvp8u>::value) {
+        rvpiFilterScharrHorizGetBufferSize_8u16s_C1R(size, &a);
+        rvpiFilterScharrVertGetBufferSize_8u16s_C1R(size, &b);
+    } else {
+        rvpiFilterScharrHorizGetBufferSize_32f_C1R(size, &a);
+        rvpiFilterScharrVertGetBufferSize_32f_C1R(size, &b);
+    }
+}
+
 struct Sizes {
     int64_t planeBytes, scharrBytes, threadBytes, total;
 };
 
-template <class T> Sizes sizes(int width, int height, int winSize, int threads) {
+// The filters' scratch (scharrBytes) as the state holds it, or queried now.
+template <class T> Sizes sizes(int width, int height, int winSize, int threads, int scharrBytes = -1) {
     const int64_t p = static_cast<int64_t>(winSize) + 3, t = threads;
     const int64_t W = static_cast<int64_t>(width) + 5, H = static_cast<int64_t>(height) + 5;
     int a = 0, b = 0;
     const RvpiSize planeSize{static_cast<int>(W > INT32_MAX ? INT32_MAX : W), static_cast<int>(H > INT32_MAX ? INT32_MAX : H)};
-    if (std::is_same<T, Rvp8u>::value) {
-        rvpiFilterScharrHorizGetBufferSize_8u16s_C1R(planeSize, &a);
-        rvpiFilterScharrVertGetBufferSize_8u16s_C1R(planeSize, &b);
-    } else {
-        rvpiFilterScharrHorizGetBufferSize_32f_C1R(planeSize, &a);
-        rvpiFilterScharrVertGetBufferSize_32f_C1R(planeSize, &b);
-    }
+    if (scharrBytes < 0) scharrNeed<T>(planeSize, a, b);
     Sizes s{};
-    s.scharrBytes = a > b ? a : b;
+    s.scharrBytes = scharrBytes >= 0 ? scharrBytes : a > b ? a : b;
     const int64_t size = (std::is_same<T, Rvp16u>::value ? 3 : 2) * W * H + s.scharrBytes;
     if (std::is_same<T, Rvp8u>::value)
         s.total = 8 * p * p + 32 * p * p + 10 + 2 * size + 3 * t * (8 * p * p + 4) + 64 * t + 16 * t + 16 * t * p * p;
@@ -262,6 +271,7 @@ RvpStatus initAlloc(RvpiOptFlowPyrLKState** pp, RvpiSize roi, int winSize, int h
     st->dataType = Kinds<T>::kType;
     st->hint = hint;
     st->winSize = winSize;
+    st->scharrBytes = static_cast<Rvp32s>(s.scharrBytes);
     st->pBuffer = rvpsMalloc_8u(static_cast<int>(s.total));
     if (!st->pBuffer) {
         rvpsFree(st);
@@ -523,8 +533,23 @@ template <class Body> void pointBands(int numFeat, int stateThreads, Body&& body
 }
 
 template <class T>
-RvpStatus gradientPlanes(const RvpiPyramid* pyr, int lev, void* gx, void* gy, int pitch, Rvp8u* scharr, float* wide) {
+RvpStatus gradientPlanes(const RvpiPyramid* pyr, int lev, void* gx, void* gy, int pitch, Rvp8u* scharr,
+                         int scharrAvailable, float* wide) {
     const RvpiSize sz = pyr->pRoi[lev];
+    // Scratch for the filters: the state's, unless the permitted threads have
+    // grown since it was made and the filters now ask for more.
+    int a = 0, b = 0;
+    scharrNeed<T>(sz, a, b);
+    const int need = a > b ? a : b;
+    struct Scratch {
+        Rvp8u* p = nullptr;
+        ~Scratch() { if (p) rvpsFree(p); }
+    } extra;
+    if (need > scharrAvailable) {
+        extra.p = rvpsMalloc_8u(need);
+        if (!extra.p) return rvpStsMemAllocErr;
+        scharr = extra.p;
+    }
     const int len = wmul(pitch, sz.height);
     if constexpr (std::is_same<T, Rvp8u>::value) {
         const auto* src = static_cast<const Rvp8u*>(pyr->pImage[lev]);
@@ -601,7 +626,7 @@ RvpStatus track(const RvpiPyramid* pyr1, const RvpiPyramid* pyr2, const RvpiPoin
     const int firstPlane = lev + 1;
     rvpsSet_8u(static_cast<Rvp8u>(maxLev + 1), reinterpret_cast<Rvp8u*>(status), numFeat);
 
-    const Sizes s = sizes<T>(st->roiWidth, st->roiHeight, winSize, st->numThreads);
+    const Sizes s = sizes<T>(st->roiWidth, st->roiHeight, winSize, st->numThreads, st->scharrBytes);
     char* base = reinterpret_cast<char*>((reinterpret_cast<uintptr_t>(st->pBuffer) + 63) & ~uintptr_t{63});
     char* planes = base;
     Rvp8u* scharr = reinterpret_cast<Rvp8u*>(planes + 2 * s.planeBytes);
@@ -615,7 +640,7 @@ RvpStatus track(const RvpiPyramid* pyr1, const RvpiPyramid* pyr2, const RvpiPoin
         tr.pitch = pyr1->pRoi[l].width + 5;
         tr.planeX = planes;
         tr.planeY = planes + s.planeBytes;
-        if (gradientPlanes<T>(pyr1, l, planes, planes + s.planeBytes, tr.pitch, scharr, wide) != rvpStsNoErr) continue;
+        if (gradientPlanes<T>(pyr1, l, planes, planes + s.planeBytes, tr.pitch, scharr, st->scharrBytes, wide) != rvpStsNoErr) continue;
         pointBands(numFeat, teamCap, [&](int id, int i0, int i1) { tr.planeLevel(id, l, i0, i1); });
     }
     if (firstPlane > 0)
