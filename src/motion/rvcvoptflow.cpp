@@ -90,49 +90,64 @@ inline void madd8(int16_t* o, __m128i t0, __m128i t1, __m128i b0, __m128i b1, __
 
 inline __m128i pairOf(int a, int b) { return _mm_set1_epi32(static_cast<int>((static_cast<uint32_t>(b) << 16) | static_cast<uint16_t>(a))); }
 
-// n x n patch with its top-left sample at (ax.i0, ay.i0) plus the fractions.
+// n x n samples, each from the 2x2 neighbourhood whose top-left sample is
+// (x0 + k, y0 + j) and four integer weights: (sum + half) >> shift in 16
+// bits, or sum / 16384 in floats. Positions outside the image take the
+// nearest sample; where none is outside and every weight fits 16 bits,
+// integer rows go eight at a time.
 template <class T, class P>
-void samplePatch(P* out, int n, const T* img, int step, int w, int h, const Axis& ax, const Axis& ay) {
-    const int wx0 = 16384 - ax.a, wx1 = ax.a, wy0 = 16384 - ay.a, wy1 = ay.a;
-    const int w00 = (wy0 * wx0 + 8192) >> 14, w01 = (wy0 * wx1 + 8192) >> 14;
-    const int w10 = (wy1 * wx0 + 8192) >> 14, w11 = (wy1 * wx1 + 8192) >> 14;
-    const bool inside = ax.i0 >= 0 && ax.i0 + n <= w - 1 && ay.i0 >= 0 && ay.i0 + n <= h - 1;
+void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y0, const int (&wt)[4], int shift) {
+    const bool fast = std::is_integral<P>::value && x0 >= 0 && x0 + n <= w - 1 && y0 >= 0 && y0 + n <= h - 1 &&
+                      wt[0] < 32768 && wt[1] < 32768 && wt[2] < 32768 && wt[3] < 32768;
+    const int half = 1 << (shift - 1);
+    const __m128i wTop = pairOf(wt[0], wt[1]), wBot = pairOf(wt[2], wt[3]), round = _mm_set1_epi32(half);
+    const auto load = [](const T* p) {
+        if constexpr (sizeof(T) == 1)
+            return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
+        else
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    };
     for (int j = 0; j < n; ++j) {
-        const T* r0 = rowPtr(img, step, clampTo(ay.i0 + j, h));
-        const T* r1 = rowPtr(img, step, clampTo(ay.i0 + j + 1, h));
+        const T* r0 = rowPtr(img, step, clampTo(y0 + j, h));
+        const T* r1 = rowPtr(img, step, clampTo(y0 + j + 1, h));
         P* o = out + static_cast<ptrdiff_t>(j) * n;
         int k = 0;
-        if constexpr (std::is_same<T, Rvp8u>::value) {
-            if (inside) {  // no sample to clamp: eight at a time
-                const __m128i zero = _mm_setzero_si128(), wTop = pairOf(w00, w01), wBot = pairOf(w10, w11),
-                              round = _mm_set1_epi32(64);
-                const Rvp8u* a = r0 + ax.i0;
-                const Rvp8u* b = r1 + ax.i0;
-                const auto load = [&](const Rvp8u* p) {
-                    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), zero);
-                };
+        if constexpr (std::is_integral<P>::value && sizeof(T) <= 2) {
+            if (fast) {
+                const T* a = r0 + x0;
+                const T* b = r1 + x0;
                 for (; k + 8 <= n; k += 8)
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, 7);
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift);
                 if (k < n && n >= 8) {  // the last eight again, overlapping
                     k = n - 8;
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, 7);
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift);
                     k = n;
                 }
             }
         }
         for (; k < n; ++k) {
-            const int x0 = clampTo(ax.i0 + k, w), x1 = clampTo(ax.i0 + k + 1, w);
+            const int xa = clampTo(x0 + k, w), xb = clampTo(x0 + k + 1, w);
             if constexpr (std::is_integral<P>::value) {
-                o[k] = static_cast<P>((w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 64) >> 7);
+                o[k] = static_cast<P>((wt[0] * r0[xa] + wt[1] * r0[xb] + wt[2] * r1[xa] + wt[3] * r1[xb] + half) >> shift);
             } else {
-                const float top = static_cast<float>(w00) * static_cast<float>(r0[x0]) +
-                                  static_cast<float>(w01) * static_cast<float>(r0[x1]);
-                const float bottom = static_cast<float>(w10) * static_cast<float>(r1[x0]) +
-                                     static_cast<float>(w11) * static_cast<float>(r1[x1]);
+                const float top = static_cast<float>(wt[0]) * static_cast<float>(r0[xa]) +
+                                  static_cast<float>(wt[1]) * static_cast<float>(r0[xb]);
+                const float bottom = static_cast<float>(wt[2]) * static_cast<float>(r1[xa]) +
+                                     static_cast<float>(wt[3]) * static_cast<float>(r1[xb]);
                 o[k] = (top + bottom) * (1.0f / 16384.0f);
             }
         }
     }
+}
+
+// n x n patch with its top-left sample at (ax.i0, ay.i0), 14-bit weights
+// (8u: 7 fractional bits kept).
+template <class T, class P>
+void samplePatch(P* out, int n, const T* img, int step, int w, int h, const Axis& ax, const Axis& ay) {
+    const int wx0 = 16384 - ax.a, wx1 = ax.a, wy0 = 16384 - ay.a, wy1 = ay.a;
+    const int wt[4] = {(wy0 * wx0 + 8192) >> 14, (wy0 * wx1 + 8192) >> 14, (wy1 * wx0 + 8192) >> 14,
+                       (wy1 * wx1 + 8192) >> 14};
+    bilinear(out, n, img, step, w, h, ax.i0, ay.i0, wt, 7);
 }
 
 // 16-bit derivative planes sampled with 15-bit weights at the window's
@@ -154,35 +169,9 @@ Fixed15 fixed15(float origin, int n) {
 
 void samplePlane15(int16_t* out, int n, const Rvp16s* plane, int pitch, int w, int h, Fixed15 fx, Fixed15 fy) {
     const int a = fx.a, b = fy.a;
-    const int w00 = ((32768 - a) * (32768 - b) + 16384) >> 15, w01 = (a * (32768 - b) + 16384) >> 15;
-    const int w10 = ((32768 - a) * b + 16384) >> 15, w11 = (a * b + 16384) >> 15;
-    // Weights below 2^15 fit the 16-bit multiplier; the inside of the plane
-    // needs no clamping.
-    const bool fast = w00 < 32768 && w01 < 32768 && w10 < 32768 && w11 < 32768 && fx.start >= 0 &&
-                      fx.start + n <= w - 1 && fy.start >= 0 && fy.start + n <= h - 1;
-    const __m128i wTop = pairOf(w00, w01), wBot = pairOf(w10, w11), round = _mm_set1_epi32(16384);
-    for (int j = 0; j < n; ++j) {
-        const Rvp16s* r0 = plane + static_cast<ptrdiff_t>(clampTo(fy.start + j, h)) * pitch;
-        const Rvp16s* r1 = plane + static_cast<ptrdiff_t>(clampTo(fy.start + j + 1, h)) * pitch;
-        int16_t* o = out + static_cast<ptrdiff_t>(j) * n;
-        int k = 0;
-        if (fast) {
-            const Rvp16s* p = r0 + fx.start;
-            const Rvp16s* q = r1 + fx.start;
-            const auto load = [](const Rvp16s* v) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(v)); };
-            for (; k + 8 <= n; k += 8)
-                madd8(o + k, load(p + k), load(p + k + 1), load(q + k), load(q + k + 1), wTop, wBot, round, 15);
-            if (k < n && n >= 8) {  // the last eight again, overlapping
-                k = n - 8;
-                madd8(o + k, load(p + k), load(p + k + 1), load(q + k), load(q + k + 1), wTop, wBot, round, 15);
-                k = n;
-            }
-        }
-        for (; k < n; ++k) {
-            const int x0 = clampTo(fx.start + k, w), x1 = clampTo(fx.start + k + 1, w);
-            o[k] = static_cast<int16_t>((w00 * r0[x0] + w01 * r0[x1] + w10 * r1[x0] + w11 * r1[x1] + 16384) >> 15);
-        }
-    }
+    const int wt[4] = {((32768 - a) * (32768 - b) + 16384) >> 15, (a * (32768 - b) + 16384) >> 15,
+                       ((32768 - a) * b + 16384) >> 15, (a * b + 16384) >> 15};
+    bilinear(out, n, plane, 2 * pitch, w, h, fx.start, fy.start, wt, 15);
 }
 
 // Scharr derivatives inside a patch of n x n samples, written at the
