@@ -76,14 +76,14 @@ inline int clampTo(int v, int size) { return v < 0 ? 0 : v >= size ? size - 1 : 
 
 // Pairs of neighbouring 16-bit samples times pairs of weights, eight
 // results: the top row's pair (wTop) plus the bottom row's pair (wBot),
-// rounded, shifted, stored as 16 bits (every result fits).
+// times 2^gain, rounded, shifted, stored as 16 bits (every result fits).
 inline void madd8(int16_t* o, __m128i t0, __m128i t1, __m128i b0, __m128i b1, __m128i wTop, __m128i wBot,
-                  __m128i round, int shift) {
-    const __m128i lo = _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(t0, t1), wTop),
-                                     _mm_madd_epi16(_mm_unpacklo_epi16(b0, b1), wBot));
-    const __m128i hi = _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(t0, t1), wTop),
-                                     _mm_madd_epi16(_mm_unpackhi_epi16(b0, b1), wBot));
-    const __m128i s = _mm_cvtsi32_si128(shift);
+                  __m128i round, int shift, int gain) {
+    const __m128i g = _mm_cvtsi32_si128(gain), s = _mm_cvtsi32_si128(shift);
+    const __m128i lo = _mm_sll_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(t0, t1), wTop),
+                                                   _mm_madd_epi16(_mm_unpacklo_epi16(b0, b1), wBot)), g);
+    const __m128i hi = _mm_sll_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(t0, t1), wTop),
+                                                   _mm_madd_epi16(_mm_unpackhi_epi16(b0, b1), wBot)), g);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm_packs_epi32(_mm_sra_epi32(_mm_add_epi32(lo, round), s),
                                                                     _mm_sra_epi32(_mm_add_epi32(hi, round), s)));
 }
@@ -91,12 +91,13 @@ inline void madd8(int16_t* o, __m128i t0, __m128i t1, __m128i b0, __m128i b1, __
 inline __m128i pairOf(int a, int b) { return _mm_set1_epi32(static_cast<int>((static_cast<uint32_t>(b) << 16) | static_cast<uint16_t>(a))); }
 
 // n x n samples, each from the 2x2 neighbourhood whose top-left sample is
-// (x0 + k, y0 + j) and four integer weights: (sum + half) >> shift in 16
-// bits, or sum / 16384 in floats. Positions outside the image take the
+// (x0 + k, y0 + j) and four integer weights: (sum * 2^gain + half) >> shift
+// in 16 bits, or sum / 16384 in floats. Positions outside the image take the
 // nearest sample; where none is outside and every weight fits 16 bits,
 // integer rows go eight at a time.
 template <class T, class P>
-void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y0, const int (&wt)[4], int shift) {
+void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y0, const int (&wt)[4], int shift,
+              int gain = 0) {
     const bool fast = std::is_integral<P>::value && x0 >= 0 && x0 + n <= w - 1 && y0 >= 0 && y0 + n <= h - 1 &&
                       wt[0] < 32768 && wt[1] < 32768 && wt[2] < 32768 && wt[3] < 32768;
     const int half = 1 << (shift - 1);
@@ -117,10 +118,10 @@ void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y
                 const T* a = r0 + x0;
                 const T* b = r1 + x0;
                 for (; k + 8 <= n; k += 8)
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift);
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift, gain);
                 if (k < n && n >= 8) {  // the last eight again, overlapping
                     k = n - 8;
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift);
+                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift, gain);
                     k = n;
                 }
             }
@@ -128,7 +129,7 @@ void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y
         for (; k < n; ++k) {
             const int xa = clampTo(x0 + k, w), xb = clampTo(x0 + k + 1, w);
             if constexpr (std::is_integral<P>::value) {
-                o[k] = static_cast<P>((wt[0] * r0[xa] + wt[1] * r0[xb] + wt[2] * r1[xa] + wt[3] * r1[xb] + half) >> shift);
+                o[k] = static_cast<P>(((wt[0] * r0[xa] + wt[1] * r0[xb] + wt[2] * r1[xa] + wt[3] * r1[xb]) * (1 << gain) + half) >> shift);
             } else {
                 const float top = static_cast<float>(wt[0]) * static_cast<float>(r0[xa]) +
                                   static_cast<float>(wt[1]) * static_cast<float>(r0[xb]);
@@ -171,7 +172,9 @@ void samplePlane15(int16_t* out, int n, const Rvp16s* plane, int pitch, int w, i
     const int a = fx.a, b = fy.a;
     const int wt[4] = {((32768 - a) * (32768 - b) + 16384) >> 15, (a * (32768 - b) + 16384) >> 15,
                        ((32768 - a) * b + 16384) >> 15, (a * b + 16384) >> 15};
-    bilinear(out, n, plane, 2 * pitch, w, h, fx.start, fy.start, wt, 15);
+    // The plane holds the filter's values; x4 (exact: at most 4080 x 4) is
+    // applied to the sum, the same as to every sample before it.
+    bilinear(out, n, plane, 2 * pitch, w, h, fx.start, fy.start, wt, 15, 2);
 }
 
 // Scharr derivatives inside a patch of n x n samples, written at the
@@ -547,9 +550,7 @@ RvpStatus gradientPlanes(const RvpiPyramid* pyr, int lev, void* gx, void* gy, in
         RvpStatus st = rvpiFilterScharrVertBorder_8u16s_C1R(src, pyr->pStep[lev], px, 2 * pitch, sz, rvpBorderRepl, 0, scharr);
         if (st == rvpStsNoErr)
             st = rvpiFilterScharrHorizBorder_8u16s_C1R(src, pyr->pStep[lev], py, 2 * pitch, sz, rvpBorderRepl, 0, scharr);
-        if (st != rvpStsNoErr) return st;
-        rvpsMulC_16s_Sfs(px, 4, px, len, 0);
-        rvpsMulC_16s_Sfs(py, 4, py, len, 0);
+        if (st != rvpStsNoErr) return st;  // the x4 scale is taken when the planes are sampled
     } else {
         const Rvp32f* src;
         int step;
