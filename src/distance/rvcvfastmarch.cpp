@@ -182,9 +182,10 @@ struct Marching {
         }
     }
 
-    // Two halves around the seam: part 0 owns rows 0 .. seam - 1, part 1 rows
-    // seam + 1 .. h - 1. `part(p)` runs a stage's work of half p; the team
-    // meets at a barrier after each stage.
+    // Two halves around the seam: half 0 owns rows 0 .. seam - 1, half 1 rows
+    // seam + 1 .. h - 1. `stage(work)` runs work(p) for the thread's half (both
+    // halves in turn on a team of one); the team meets at a barrier after each
+    // stage, and `once` runs on thread 0 alone.
     template <bool Ext> void halves(int id, int n) const {
         const auto stage = [&](auto&& work) {
             if (n == 1) work(0), work(1);

@@ -239,8 +239,8 @@ Rvp8u* alignUp(Rvp8u* p, uintptr_t a) {
 
 // ---- Per-thread layout -------------------------------------------------------
 
-// Sizes in 64 bits: where the description's 32-bit formulas fit they give
-// the same numbers; where they would wrap the callers refuse the arguments.
+// Sizes in 64 bits: where the documented 32-bit formulas fit they give the
+// same numbers; where they would wrap the callers refuse the arguments.
 int64_t rowPerThread(RowForm f, int64_t k) {
     switch (f) {
     case RowForm::P8u16s_C1: return 36 * k + 112;
