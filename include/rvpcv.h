@@ -1831,6 +1831,73 @@ RVPAPI RvpStatus rvpiOpticalFlowPyrLK_32f_C1R(const RvpiPyramid* pPyr1, const Rv
                                               Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
                                               Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
 
+/* ---- Sample-type codes ------------------------------------------------------ */
+/* The codes of the sample type that the pyramid queries and layer states take
+ * as dataType or record as sampleType. */
+#define RVP_SAMPLE_8U  1
+#define RVP_SAMPLE_16U 5
+#define RVP_SAMPLE_32F 13
+
+/* ---- Gaussian 5x5 pyramid steps ---------------------------------------------- */
+/* One level down or up a 2:1 pyramid with the kernel k = 1 4 6 4 1 on both
+ * axes and a replicated border (aa|abcd|dd: positions outside the image take
+ * the nearest sample; one sample replicates on both sides). roiSize is the
+ * source's size, w x h; channels are filtered independently.
+ * Down: pDst is ((w + 1) / 2) x ((h + 1) / 2) and
+ *   dst(x, y) = sum over i, j in -2..2 of k[i] k[j] src(2x + i, 2y + j) / 256.
+ * Up: pDst is 2w x 2h: the source with zeros between its samples, filtered
+ * with 4k on both axes; per axis an even output 2x takes (1 6 1) / 8 of
+ * sources x - 1, x, x + 1 and an odd output 2x + 1 takes (4 4) / 8 of x and
+ * x + 1.
+ * 8u: the integer sum of the 2-D weights, rounded as (sum + 128) >> 8 (down)
+ * or (sum + 32) >> 6 (up); the result is always within 0..255.
+ * 32f, in single precision and in this order: the vertical pass
+ * v = ((a + e) + (b + d) * 4) + c * 6 over rows 2y - 2 .. 2y + 2 (down), or
+ * v = (a + c) + b * 6 for even and v = (b + c) * 4 for odd output rows over
+ * rows y - 1, y, y + 1 (up); then the same formula horizontally over those
+ * v; then times 1/256 (down) or 1/64 (up). A NaN or an infinity in a window
+ * spreads by these operations, the same for every thread count and
+ * instruction set.
+ * The down step differs from the 1 4 6 4 1 pyramid found in common image
+ * libraries only at the border: those mirror without repeating the edge
+ * sample (cb|abcd|cb), here the edge sample repeats, so the outer ring of
+ * outputs weighs the edge more. On 8-bit photos the interior is identical and
+ * border pixels differ by at most a few grey levels.
+ * pBuffer: scratch of rvpiPyrDownGetBufSize_Gauss5x5 /
+ * rvpiPyrUpGetBufSize_Gauss5x5 bytes for the source width, sample type and
+ * channels (undefined contents on return). The calling thread works in it;
+ * further threads (images of 131072 output samples and more, 16 rows a
+ * thread at least) use their own stack, so the size does not depend on the
+ * thread count. With A = 2 for 8u and 4 for 32f and C the channels:
+ *   down: A * ((2 * ((w + 1) / 2) + 3) * C + 64) + 32 bytes,
+ *   up:   2 * A * ((w + 2) * C + 64) + 64 bytes.
+ * Query statuses, in this order: NullPtr; Size (roiWidth below 1, or a size
+ * that does not fit an int: nothing is stored); Interpolation (dataType not
+ * RVP_SAMPLE_8U or RVP_SAMPLE_32F); Channel (channels not 1 or 3).
+ * Step statuses, in this order: NullPtr (pSrc, pDst, pBuffer); Size (width or
+ * height below 1); Step (srcStep below the source row's bytes, dstStep below
+ * the destination row's bytes); NotEvenStep (32f steps not a multiple of 4);
+ * Size (a width whose buffer the query refuses). Nothing is written on
+ * failure. */
+RVPAPI RvpStatus rvpiPyrDownGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+RVPAPI RvpStatus rvpiPyrUpGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                             RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                              RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                           RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep,
+                                           RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
+                                            RvpiSize roiSize, Rvp8u* pBuffer);
+
 #ifdef __cplusplus
 }
 #endif

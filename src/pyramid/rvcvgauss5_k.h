@@ -1,0 +1,229 @@
+// Gaussian 5x5 pyramid kernels, written once over sample type and channel
+// count and compiled per instruction set (see rvcvsimd.h). A row chunk runs a
+// vertical pass into scratch (replicated columns copied into the pads), then
+// a horizontal pass whose vector lanes gather their taps by constant
+// shuffles; scalar code only for the vertical pass's last samples, with the
+// same operations in the same order.
+#include <algorithm>
+#include <type_traits>
+#include <utility>
+
+#include "pyramid/rvcvgauss5.h"
+#include "rvcvsimd.h"
+
+namespace rvcv {
+namespace RVCV_ISA_NS {
+namespace {
+
+template <class T> struct Acc { using type = uint16_t; };
+template <> struct Acc<float> { using type = float; };
+
+// The tap arithmetic, for a scalar or a vector of accumulators. Integer sums
+// are exact in 16 bits (at most 255 * 256 before rounding); float sums follow
+// the order written.
+template <class A> constexpr bool isInt() { return std::is_integral<A>::value || std::is_same<A, Vec<uint16_t>>::value; }
+template <class A> A sum5(A a, A b, A c, A d, A e) {  // 1 4 6 4 1
+    if constexpr (isInt<A>()) return static_cast<A>(static_cast<A>(a + e) + static_cast<A>((b + d) << 2) + static_cast<A>(c * 6));
+    else return ((a + e) + (b + d) * 4.0f) + c * 6.0f;
+}
+template <class A> A sum161(A a, A b, A c) {  // 1 6 1
+    if constexpr (isInt<A>()) return static_cast<A>(static_cast<A>(a + c) + static_cast<A>(b * 6));
+    else return (a + c) + b * 6.0f;
+}
+template <class A> A sum44(A b, A c) {  // 4 4
+    if constexpr (isInt<A>()) return static_cast<A>((b + c) << 2);
+    else return (b + c) * 4.0f;
+}
+
+// ---- Vertical passes over `count` samples of the source rows -----------------
+template <class T>
+void vertDown(const T* r0, const T* r1, const T* r2, const T* r3, const T* r4, typename Acc<T>::type* out, int count) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>();
+    typedef T VT __attribute__((vector_size(N * sizeof(T))));
+    int s = 0;
+    for (; s + N <= count; s += N) {
+        auto ld = [&](const T* r) { return __builtin_convertvector(loadv<VT>(r + s), VA); };
+        storev(out + s, sum5(ld(r0), ld(r1), ld(r2), ld(r3), ld(r4)));
+    }
+    for (; s < count; ++s) out[s] = sum5<A>(r0[s], r1[s], r2[s], r3[s], r4[s]);
+}
+
+template <class T>
+void vertUp(const T* r0, const T* r1, const T* r2, typename Acc<T>::type* ev, typename Acc<T>::type* od, int count) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>();
+    typedef T VT __attribute__((vector_size(N * sizeof(T))));
+    int s = 0;
+    for (; s + N <= count; s += N) {
+        const VA a = __builtin_convertvector(loadv<VT>(r0 + s), VA), b = __builtin_convertvector(loadv<VT>(r1 + s), VA),
+                 c = __builtin_convertvector(loadv<VT>(r2 + s), VA);
+        storev(ev + s, sum161(a, b, c));
+        storev(od + s, sum44(b, c));
+    }
+    for (; s < count; ++s) {
+        ev[s] = sum161<A>(r0[s], r1[s], r2[s]);
+        od[s] = sum44<A>(r1[s], r2[s]);
+    }
+}
+
+// Replicated columns: pixel slots [p0, p1) of a row of C-sample pixels take
+// the value of pixel `from`.
+template <class A> void replicate(A* row, int c, int p0, int p1, int from) {
+    for (int p = p0; p < p1; ++p)
+        for (int k = 0; k < c; ++k) row[p * c + k] = row[from * c + k];
+}
+
+// ---- Horizontal passes ---------------------------------------------------------
+// Lanes advance by S: a whole number of pixels (down) or pixel pairs (up); the
+// lanes past S repeat the last one and are overwritten by the next store.
+template <int N, int C> constexpr int downStep() { return N / C * C; }
+template <int N, int C> constexpr int upStep() { return N / (2 * C) * 2 * C; }
+// Down: lane j (pixel j / C, channel j % C) reads sample 2 * j - j % C past
+// the tap's base.
+template <int N, int C> constexpr int downIdx(int j) {
+    if (j >= downStep<N, C>()) j = downStep<N, C>() - 1;
+    return 2 * j - j % C;
+}
+// Up: lane j reads its source pixel (j / C) / 2, channel j % C.
+template <int N, int C> constexpr int upIdx(int j, int t) {
+    if (j >= upStep<N, C>()) j = upStep<N, C>() - 1;
+    return (j / C / 2) * C + j % C + t * C;
+}
+template <int N, int C> constexpr int upOdd(int j) {  // lane j of the blend: odd output pixels from the second vector
+    return (j / C) % 2 ? N + j : j;
+}
+
+template <int N, int C, class V, std::size_t... I>
+V gatherDown(V a, V b, std::index_sequence<I...>) { return __builtin_shufflevector(a, b, downIdx<N, C>(I)...); }
+template <int N, int C, int T, class V, std::size_t... I>
+V gatherUp(V a, V b, std::index_sequence<I...>) { return __builtin_shufflevector(a, b, upIdx<N, C>(I, T)...); }
+template <int N, int C, class V, std::size_t... I>
+V blendUp(V e, V o, std::index_sequence<I...>) { return __builtin_shufflevector(e, o, upOdd<N, C>(I)...); }
+
+// Final rounding: 8u (sum + half) >> shift, 32f times 2^-shift.
+template <class T, int Shift, class V> auto finish(V v) {
+    using A = typename Acc<T>::type;
+    constexpr int N = sizeof(V) / sizeof(A);
+    typedef T VT __attribute__((vector_size(N * sizeof(T))));
+    if constexpr (sizeof(T) == 1) return __builtin_convertvector((v + static_cast<A>(1 << (Shift - 1))) >> Shift, VT);
+    else return v * (1.0f / (1 << Shift));
+}
+
+// Stores lanes [0, count) of v at d: the whole vector when `room` samples
+// are writable there, else count lanes through a copy.
+template <class T, class V> void put(T* d, V v, int count, int room) {
+    if (room >= static_cast<int>(sizeof(V) / sizeof(T))) storev(d, v);
+    else std::memcpy(d, &v, sizeof(T) * count);
+}
+
+// Down: outputs [0, n) of a chunk from L, the vertical sums of its 2n + 3
+// source pixels (L[0] is the pixel two left of the first output's centre).
+template <class T, int C>
+void horzDown(const typename Acc<T>::type* L, T* d, int n) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>(), S = downStep<N, C>();
+    const int total = n * C;
+    for (int j = 0; j < total; j += S) {
+        const A* b = L + 2 * j;  // lane 0's pixel is 2 * (j / C) source pixels on
+        VA g[5];
+        for (int t = 0; t < 5; ++t)
+            g[t] = gatherDown<N, C>(loadv<VA>(b + t * C), loadv<VA>(b + t * C + N), std::make_index_sequence<N>());
+        put(d + j, finish<T, 8>(sum5(g[0], g[1], g[2], g[3], g[4])), std::min(S, total - j), total - j);
+    }
+}
+
+// Up: output pixels [0, 2n) of a chunk from V, the vertical sums of its
+// n + 2 source pixels (V[0] is the pixel left of the first one).
+template <class T, int C>
+void horzUp(const typename Acc<T>::type* V, T* d, int n) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>(), S = upStep<N, C>();
+    const int total = 2 * n * C;
+    for (int j = 0; j < total; j += S) {
+        const A* b = V + j / 2;
+        const VA lo = loadv<VA>(b), hi = loadv<VA>(b + N);
+        const VA g0 = gatherUp<N, C, 0>(lo, hi, std::make_index_sequence<N>());
+        const VA g1 = gatherUp<N, C, 1>(lo, hi, std::make_index_sequence<N>());
+        const VA g2 = gatherUp<N, C, 2>(lo, hi, std::make_index_sequence<N>());
+        const VA r = blendUp<N, C>(sum161(g0, g1, g2), sum44(g1, g2), std::make_index_sequence<N>());
+        put(d + j, finish<T, 6>(r), std::min(S, total - j), total - j);
+    }
+}
+
+template <class T> const T* srcRow(const void* src, int64_t step, int y) {
+    return reinterpret_cast<const T*>(static_cast<const char*>(src) + step * y);
+}
+template <class T> T* dstRow(void* dst, int64_t step, int y) {
+    return reinterpret_cast<T*>(static_cast<char*>(dst) + step * y);
+}
+inline int clampi(int v, int lo, int hi) { return v < lo ? lo : v > hi ? hi : v; }
+template <class A> A* align32(uint8_t* p) {
+    return reinterpret_cast<A*>((reinterpret_cast<uintptr_t>(p) + 31) & ~uintptr_t{31});
+}
+
+// ---- Band routines ---------------------------------------------------------------
+template <class T, int C>
+void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dstStep, int y0, int rows,
+          uint8_t* scratch, int chunk) {
+    using A = typename Acc<T>::type;
+    A* L = align32<A>(scratch);
+    const int outW = (w + 1) / 2;
+    for (int y = y0; y < y0 + rows; ++y) {
+        const T* r[5];
+        for (int t = 0; t < 5; ++t) r[t] = srcRow<T>(src, srcStep, clampi(2 * y - 2 + t, 0, h - 1));
+        T* d = dstRow<T>(dst, dstStep, y);
+        for (int x0 = 0; x0 < outW; x0 += chunk) {
+            const int n = std::min(chunk, outW - x0);
+            // Source pixels [first, first + 2n + 3) with first = 2 * x0 - 2;
+            // those inside the image are summed, the rest copy the edge pixel.
+            const int first = 2 * x0 - 2, lo = std::max(first, 0), hi = std::min(first + 2 * n + 3, w);
+            const int a = lo * C, count = (hi - lo) * C;
+            vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
+            replicate(L, C, 0, lo - first, lo - first);
+            replicate(L, C, hi - first, 2 * n + 3, hi - first - 1);
+            horzDown<T, C>(L, d + x0 * C, n);
+        }
+    }
+}
+
+template <class T, int C>
+void up(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dstStep, int y0, int rows,
+        uint8_t* scratch, int chunk) {
+    using A = typename Acc<T>::type;
+    A* ev = align32<A>(scratch);
+    A* od = align32<A>(reinterpret_cast<uint8_t*>(ev + gauss5UpSamples(chunk, C)));
+    for (int y = y0; y < y0 + rows; ++y) {
+        const T* r0 = srcRow<T>(src, srcStep, std::max(y - 1, 0));
+        const T* r1 = srcRow<T>(src, srcStep, y);
+        const T* r2 = srcRow<T>(src, srcStep, std::min(y + 1, h - 1));
+        T* d0 = dstRow<T>(dst, dstStep, 2 * y);
+        T* d1 = dstRow<T>(dst, dstStep, 2 * y + 1);
+        for (int x0 = 0; x0 < w; x0 += chunk) {
+            const int n = std::min(chunk, w - x0);
+            const int first = x0 - 1, lo = std::max(first, 0), hi = std::min(first + n + 2, w);
+            const int a = lo * C, at = (lo - first) * C;
+            vertUp<T>(r0 + a, r1 + a, r2 + a, ev + at, od + at, (hi - lo) * C);
+            replicate(ev, C, 0, lo - first, lo - first);
+            replicate(od, C, 0, lo - first, lo - first);
+            replicate(ev, C, hi - first, n + 2, hi - first - 1);
+            replicate(od, C, hi - first, n + 2, hi - first - 1);
+            horzUp<T, C>(ev, d0 + 2 * x0 * C, n);
+            horzUp<T, C>(od, d1 + 2 * x0 * C, n);
+        }
+    }
+}
+
+}  // namespace
+
+extern const Gauss5Kernels kGauss5 = {
+    down<uint8_t, 1>, down<uint8_t, 3>, down<float, 1>, down<float, 3>,
+    up<uint8_t, 1>,   up<uint8_t, 3>,   up<float, 1>,   up<float, 3>,
+};
+
+}  // namespace RVCV_ISA_NS
+}  // namespace rvcv
