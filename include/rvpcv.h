@@ -1869,7 +1869,7 @@ RVPAPI RvpStatus rvpiOpticalFlowPyrLK_32f_C1R(const RvpiPyramid* pPyr1, const Rv
  * further threads (images of 131072 output samples and more, 16 rows a
  * thread at least) use their own stack, so the size does not depend on the
  * thread count. With A = 2 for 8u and 4 for 32f and C the channels:
- *   down: A * ((2 * ((w + 1) / 2) + 3) * C + 64) + 32 bytes,
+ *   down: A * ((4 * ((w + 1) / 2) + 7) * C + 192) + 96 bytes,
  *   up:   2 * A * ((w + 2) * C + 64) + 64 bytes.
  * Query statuses, in this order: NullPtr; Size (roiWidth below 1, or a size
  * that does not fit an int: nothing is stored); Interpolation (dataType not

@@ -24,18 +24,21 @@ namespace avx2 { extern const Gauss5Kernels kGauss5; }
 
 // Scratch layout, with internal linkage so that no copy is shared between
 // units built for different instruction sets. A down chunk of p output
-// pixels keeps one row of vertical sums over 2p + 3 source pixels; an up
-// chunk of p source pixels two rows (even and odd output row) over p + 2.
-// Each array has kGauss5Slack samples of room for the last vector's reads.
+// pixels keeps one row of vertical sums over 2p + 3 source pixels and its
+// even and odd pixels apart (p + 2 each); an up chunk of p source pixels two
+// rows (even and odd output row) over p + 2. Each array has kGauss5Slack
+// samples of room for the last vector's reads and starts 32-byte aligned.
 namespace {
 constexpr int64_t kGauss5Slack = 64;
 constexpr int64_t gauss5DownSamples(int64_t p, int c) { return (2 * p + 3) * c + kGauss5Slack; }
 constexpr int64_t gauss5UpSamples(int64_t p, int c) { return (p + 2) * c + kGauss5Slack; }
-constexpr int64_t gauss5DownBytes(int64_t p, int c, int acc) { return acc * gauss5DownSamples(p, c) + 32; }
+constexpr int64_t gauss5DownBytes(int64_t p, int c, int acc) {
+    return acc * (gauss5DownSamples(p, c) + 2 * gauss5UpSamples(p, c)) + 96;
+}
 constexpr int64_t gauss5UpBytes(int64_t p, int c, int acc) { return 2 * acc * gauss5UpSamples(p, c) + 64; }
 // The largest chunk whose scratch fits in `bytes`.
 constexpr int gauss5DownChunk(int64_t bytes, int c, int acc) {
-    return static_cast<int>((((bytes - 32) / acc - kGauss5Slack) / c - 3) / 2);
+    return static_cast<int>((((bytes - 96) / acc - 3 * kGauss5Slack) / c - 7) / 4);
 }
 constexpr int gauss5UpChunk(int64_t bytes, int c, int acc) {
     return static_cast<int>(((bytes - 64) / (2 * acc) - kGauss5Slack) / c - 2);

@@ -119,20 +119,32 @@ template <class T, class V> void put(T* d, V v, int count, int room) {
     else std::memcpy(d, &v, sizeof(T) * count);
 }
 
-// Down: outputs [0, n) of a chunk from L, the vertical sums of its 2n + 3
-// source pixels (L[0] is the pixel two left of the first output's centre).
-template <class T, int C>
-void horzDown(const typename Acc<T>::type* L, T* d, int n) {
-    using A = typename Acc<T>::type;
+// Down, first half: the even and odd pixels of V (the vertical sums of a
+// chunk's 2n + 3 source pixels) apart, n + 2 pixels each.
+template <class A, int C>
+void splitDown(const A* V, A* E, A* O, int n) {
     using VA = Vec<A>;
     constexpr int N = lanes<A>(), S = downStep<N, C>();
+    const int total = (n + 2) * C;
+    for (int j = 0; j < total; j += S) {  // lane j's pixel is 2 * (j / C) source pixels on
+        const A* b = V + 2 * j;
+        storev(E + j, gatherDown<N, C>(loadv<VA>(b), loadv<VA>(b + N), std::make_index_sequence<N>()));
+        storev(O + j, gatherDown<N, C>(loadv<VA>(b + C), loadv<VA>(b + C + N), std::make_index_sequence<N>()));
+    }
+}
+
+// Down, second half: outputs [0, n) of the chunk; output x has E[x], O[x],
+// E[x + 1], O[x + 1], E[x + 2] as its taps.
+template <class T, int C>
+void horzDown(const typename Acc<T>::type* E, const typename Acc<T>::type* O, T* d, int n) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>();
     const int total = n * C;
-    for (int j = 0; j < total; j += S) {
-        const A* b = L + 2 * j;  // lane 0's pixel is 2 * (j / C) source pixels on
-        VA g[5];
-        for (int t = 0; t < 5; ++t)
-            g[t] = gatherDown<N, C>(loadv<VA>(b + t * C), loadv<VA>(b + t * C + N), std::make_index_sequence<N>());
-        put(d + j, finish<T, 8>(sum5(g[0], g[1], g[2], g[3], g[4])), std::min(S, total - j), total - j);
+    for (int j = 0; j < total; j += N) {
+        const VA r = sum5(loadv<VA>(E + j), loadv<VA>(O + j), loadv<VA>(E + j + C), loadv<VA>(O + j + C),
+                          loadv<VA>(E + j + 2 * C));
+        put(d + j, finish<T, 8>(r), std::min(N, total - j), total - j);
     }
 }
 
@@ -172,6 +184,8 @@ void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dst
           uint8_t* scratch, int chunk) {
     using A = typename Acc<T>::type;
     A* L = align32<A>(scratch);
+    A* E = align32<A>(reinterpret_cast<uint8_t*>(L + gauss5DownSamples(chunk, C)));
+    A* O = align32<A>(reinterpret_cast<uint8_t*>(E + gauss5UpSamples(chunk, C)));
     const int outW = (w + 1) / 2;
     for (int y = y0; y < y0 + rows; ++y) {
         const T* r[5];
@@ -186,7 +200,8 @@ void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dst
             vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
             replicate(L, C, 0, lo - first, lo - first);
             replicate(L, C, hi - first, 2 * n + 3, hi - first - 1);
-            horzDown<T, C>(L, d + x0 * C, n);
+            splitDown<A, C>(L, E, O, n);
+            horzDown<T, C>(E, O, d + x0 * C, n);
         }
     }
 }

@@ -143,7 +143,7 @@ TEST(Gauss5, Validation) {
         }
     int size = 0;
     ASSERT_EQ(rvpiPyrDownGetBufSize_Gauss5x5(1920, RVP_SAMPLE_8U, 1, &size), rvpStsNoErr);
-    EXPECT_EQ(size, 2 * ((2 * 960 + 3) + 64) + 32);
+    EXPECT_EQ(size, 2 * ((4 * 960 + 7) + 192) + 96);
     ASSERT_EQ(rvpiPyrUpGetBufSize_Gauss5x5(640, RVP_SAMPLE_32F, 3, &size), rvpStsNoErr);
     EXPECT_EQ(size, 2 * 4 * ((640 + 2) * 3 + 64) + 64);
 
