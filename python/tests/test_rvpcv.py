@@ -216,3 +216,42 @@ def test_flood_fill_and_labels_against_scipy():
         rvpcv.flood_fill(IMG, (IMG.shape[1], 0), 1, "grad", (2, 2))
     with pytest.raises(rvpcv.BadArgumentError):
         rvpcv.label_markers(binary, max_label=255)
+
+
+def _pyr_model(a, down):
+    """The 5x5 Gaussian steps in numpy, straight from the rules: replicated
+    border, exact integers for uint8, the stated float order for float32."""
+    f = a.dtype == np.float32
+    x = a.astype(np.float32 if f else np.int64)
+
+    def axis(x, ax):
+        n = x.shape[ax]
+        pad = [(0, 0)] * x.ndim
+        pad[ax] = (2, 2) if down else (1, 1)
+        p = np.pad(x, pad, mode="edge")
+        s = lambda i, m: np.take(p, range(i, i + m), axis=ax)
+        if down:
+            four = 4.0 if f else 4
+            six = 6.0 if f else 6
+            full = ((s(0, n) + s(4, n)) + (s(1, n) + s(3, n)) * four) + s(2, n) * six
+            return np.take(full, range(0, n, 2), axis=ax)
+        even = (s(0, n) + s(2, n)) + s(1, n) * (np.float32(6) if f else 6)
+        odd = (s(1, n) + s(2, n)) * (np.float32(4) if f else 4)
+        return np.stack([even, odd], axis=ax + 1).reshape(x.shape[:ax] + (2 * n,) + x.shape[ax + 1:])
+
+    r = axis(axis(x, 0), 1)
+    if f:
+        return r * np.float32(1 / 256 if down else 1 / 64)
+    return ((r + (128 if down else 32)) >> (8 if down else 6)).astype(np.uint8)
+
+
+def test_gauss5_pyramid_steps_match_the_model():
+    rgb = np.dstack([IMG[:301, :255], IMG[100:401, 7:262], IMG[1:302, 200:455]])
+    for img in (IMG[:301, :255], rgb, IMG[:77, :93].astype(np.float32) / 7, rgb[:40, :31].astype(np.float32)):
+        down, up = rvpcv.pyr_down_gauss5(img), rvpcv.pyr_up_gauss5(img)
+        assert down.shape[:2] == ((img.shape[0] + 1) // 2, (img.shape[1] + 1) // 2)
+        assert up.shape[:2] == (2 * img.shape[0], 2 * img.shape[1])
+        np.testing.assert_array_equal(down, _pyr_model(img, True))
+        np.testing.assert_array_equal(up, _pyr_model(img, False))
+    with pytest.raises(TypeError):
+        rvpcv.pyr_down_gauss5(IMG.astype(np.int16))
