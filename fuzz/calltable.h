@@ -54,7 +54,8 @@ struct Function {
     const Param* params;
     int (*call)(Arg*);
     int query;          // index of the scratch buffer's size query, -1 for none
-    const int* queryArgs;  // for each query parameter but the last: the function's parameter (1000 + i: width of size i)
+    const int* queryArgs;  // for each query parameter but the last: the function's parameter (1000 + i: width of size i;
+                           // 2000 + v: the constant v, a sample-type code or channel count from the name)
 };
 
 #include "calls.inc"
@@ -96,14 +97,15 @@ private:
 };
 
 // Outputs larger than roiSize and its layout says: the summed-area tables,
-// the six values a pixel of the eigen-decomposition.
+// the six values a pixel of the eigen-decomposition, the twice as wide and
+// high level above of a pyramid step.
 struct Extent {
     const char* prefix;
-    int columns, rows, channels;
+    int columns, rows, channels, scale = 1;
 };
 constexpr Extent kExtents[] = {{"rvpiIntegral_", 1, 1, 0},       {"rvpiSqrIntegral_", 1, 1, 0},
                                {"rvpiTiltedIntegral_", 2, 2, 0}, {"rvpiTiltedSqrIntegral_", 2, 2, 0},
-                               {"rvpiEigenValsVecs_", 0, 0, 6}};
+                               {"rvpiEigenValsVecs_", 0, 0, 6}, {"rvpiPyrUp_", 0, 0, 0, 2}};
 
 constexpr uint8_t kPattern = 0x5A;
 constexpr int kSlackRows = 32;
@@ -377,7 +379,8 @@ private:
             if (!p.isConst && s.width > 0 && s.height > 0)
                 for (const Extent& e : kExtents)
                     if (std::string(f_.name).rfind(e.prefix, 0) == 0)
-                        s.width += e.columns, s.height += e.rows, channels = e.channels ? e.channels : channels;
+                        s.width = s.width * e.scale + e.columns, s.height = s.height * e.scale + e.rows,
+                        channels = e.channels ? e.channels : channels;
             const int64_t rowBytes = static_cast<int64_t>(s.width) * channels * p.elem;
             args_[p.step].i = drawStep(rowBytes, p.elem);
             const int64_t step = args_[p.step].i;
@@ -424,7 +427,8 @@ private:
             std::vector<Arg> qa(q.count);
             for (int k = 0; k + 1 < q.count; ++k) {
                 const int j = f_.queryArgs[k];
-                if (j >= 1000) qa[k].i = args_[j - 1000].size.width;
+                if (j >= 2000) qa[k].i = j - 2000;
+                else if (j >= 1000) qa[k].i = args_[j - 1000].size.width;
                 else qa[k] = args_[j];
             }
             int size = -1;

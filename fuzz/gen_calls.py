@@ -16,6 +16,7 @@ SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
            "RvpiRect": "kRect"}
+CODES = {"8u": 1, "16u": 5, "32f": 13}  # sample-type codes of the queries that take dataType
 FIELDS = {"kInt": "i", "kU8": "u8", "kS8": "s8", "kU16": "u16", "kS16": "s16", "kF32": "f", "kF64": "d",
           "kSize": "size", "kPoint": "pt", "kRect": "rect"}
 
@@ -116,6 +117,11 @@ def main():
                     found = [j for j, p in enumerate(ps) if p["name"] == qp["name"] and p["type"] == qp["type"]]
                     if not found and qp["name"] == "roiWidth":  # the width of the function's roiSize
                         found = [1000 + j for j, p in enumerate(ps) if p["name"] == "roiSize"]
+                    if not found and qp["name"] == "dataType":  # the sample-type code of the name's type
+                        code = CODES.get(suffix.rsplit("_", 2)[-2] if suffix.count("_") >= 1 else "")
+                        found = [2000 + code] if code else []
+                    if not found and qp["name"] == "channels":  # the name's channel count
+                        found = [2000 + channels(f)[0]]
                     m.append(found[0] if found else -2)
                 if -2 in m:
                     continue
