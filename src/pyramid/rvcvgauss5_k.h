@@ -87,21 +87,11 @@ template <int N, int C> constexpr int downIdx(int j) {
     if (j >= downStep<N, C>()) j = downStep<N, C>() - 1;
     return 2 * j - j % C;
 }
-// Up: lane j reads its source pixel (j / C) / 2, channel j % C.
-template <int N, int C> constexpr int upIdx(int j, int t) {
-    if (j >= upStep<N, C>()) j = upStep<N, C>() - 1;
-    return (j / C / 2) * C + j % C + t * C;
-}
-template <int N, int C> constexpr int upOdd(int j) {  // lane j of the blend: odd output pixels from the second vector
-    return (j / C) % 2 ? N + j : j;
-}
 
 template <int N, int C, class V, std::size_t... I>
 V gatherDown(V a, V b, std::index_sequence<I...>) { return __builtin_shufflevector(a, b, downIdx<N, C>(I)...); }
-template <int N, int C, int T, class V, std::size_t... I>
-V gatherUp(V a, V b, std::index_sequence<I...>) { return __builtin_shufflevector(a, b, upIdx<N, C>(I, T)...); }
-template <int N, int C, class V, std::size_t... I>
-V blendUp(V e, V o, std::index_sequence<I...>) { return __builtin_shufflevector(e, o, upOdd<N, C>(I)...); }
+template <class V, std::size_t... I>
+V oddLanes(V a, V b, std::index_sequence<I...>) { return __builtin_shufflevector(a, b, (2 * I + 1)...); }
 
 // Final rounding: 8u (sum + half) >> shift, 32f times 2^-shift.
 template <class T, int Shift, class V> auto finish(V v) {
@@ -117,6 +107,39 @@ template <class T, int Shift, class V> auto finish(V v) {
 template <class T, class V> void put(T* d, V v, int count, int room) {
     if (room >= static_cast<int>(sizeof(V) / sizeof(T))) storev(d, v);
     else std::memcpy(d, &v, sizeof(T) * count);
+}
+
+// One channel, down: the vertical sums of source pixels [lo, hi) straight
+// into E (even pixels counted from `first`, an even position) and O (odd).
+template <class T>
+void vertDownPairs(const T* const r[5], int first, int lo, int hi, typename Acc<T>::type* E,
+                   typename Acc<T>::type* O) {
+    using A = typename Acc<T>::type;
+    using VA = Vec<A>;
+    constexpr int N = lanes<A>();
+    int p = lo;
+    for (; p + 2 * N <= hi; p += 2 * N) {
+        VA ev[5], od[5];
+        for (int t = 0; t < 5; ++t) {
+            if constexpr (sizeof(T) == 1) {
+                const VA v = loadv<VA>(r[t] + p);  // pixel pairs, the even one in the low byte
+                ev[t] = v & 0xFF;
+                od[t] = v >> 8;
+            } else {
+                const VA a = loadv<VA>(r[t] + p), b = loadv<VA>(r[t] + p + N);
+                ev[t] = gatherDown<N, 1>(a, b, std::make_index_sequence<N>());
+                od[t] = oddLanes(a, b, std::make_index_sequence<N>());
+            }
+        }
+        const int k = (p - first) / 2;
+        storev(E + k, sum5(ev[0], ev[1], ev[2], ev[3], ev[4]));
+        storev(O + k, sum5(od[0], od[1], od[2], od[3], od[4]));
+    }
+    for (; p < hi; ++p) {
+        const A v = sum5<A>(r[0][p], r[1][p], r[2][p], r[3][p], r[4][p]);
+        const int q = p - first;
+        (q & 1 ? O : E)[q >> 1] = v;
+    }
 }
 
 // Down, first half: the even and odd pixels of V (the vertical sums of a
@@ -149,21 +172,32 @@ void horzDown(const typename Acc<T>::type* E, const typename Acc<T>::type* O, T*
 }
 
 // Up: output pixels [0, 2n) of a chunk from V, the vertical sums of its
-// n + 2 source pixels (V[0] is the pixel left of the first one).
+// n + 2 source pixels (V[0] is the pixel left of the first one). Each step
+// takes S source samples: their even outputs (1 6 1) and odd outputs (4 4)
+// on plain loads, then interleaved pixel by pixel into two vectors.
+template <int N, int C> constexpr int zipIdx(int j, int half) {
+    constexpr int S = upStep<N, C>();
+    if (j >= S) j = S - 1;
+    const int P = j / C;
+    return (P % 2 ? N : 0) + (P / 2) * C + j % C + half * (S / 2);
+}
+template <int N, int C, int Half, class V, std::size_t... I>
+V zipUp(V e, V o, std::index_sequence<I...>) { return __builtin_shufflevector(e, o, zipIdx<N, C>(I, Half)...); }
+
 template <class T, int C>
 void horzUp(const typename Acc<T>::type* V, T* d, int n) {
     using A = typename Acc<T>::type;
     using VA = Vec<A>;
     constexpr int N = lanes<A>(), S = upStep<N, C>();
     const int total = 2 * n * C;
-    for (int j = 0; j < total; j += S) {
-        const A* b = V + j / 2;
-        const VA lo = loadv<VA>(b), hi = loadv<VA>(b + N);
-        const VA g0 = gatherUp<N, C, 0>(lo, hi, std::make_index_sequence<N>());
-        const VA g1 = gatherUp<N, C, 1>(lo, hi, std::make_index_sequence<N>());
-        const VA g2 = gatherUp<N, C, 2>(lo, hi, std::make_index_sequence<N>());
-        const VA r = blendUp<N, C>(sum161(g0, g1, g2), sum44(g1, g2), std::make_index_sequence<N>());
-        put(d + j, finish<T, 6>(r), std::min(S, total - j), total - j);
+    for (int s = 0; s < n * C; s += S) {
+        const VA a = loadv<VA>(V + s), b = loadv<VA>(V + s + C), c = loadv<VA>(V + s + 2 * C);
+        const VA e = sum161(a, b, c), o = sum44(b, c);
+        const int j = 2 * s;
+        put(d + j, finish<T, 6>(zipUp<N, C, 0>(e, o, std::make_index_sequence<N>())), std::min(S, total - j), total - j);
+        if (j + S < total)
+            put(d + j + S, finish<T, 6>(zipUp<N, C, 1>(e, o, std::make_index_sequence<N>())),
+                std::min(S, total - j - S), total - j - S);
     }
 }
 
@@ -196,11 +230,18 @@ void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dst
             // Source pixels [first, first + 2n + 3) with first = 2 * x0 - 2;
             // those inside the image are summed, the rest copy the edge pixel.
             const int first = 2 * x0 - 2, lo = std::max(first, 0), hi = std::min(first + 2 * n + 3, w);
-            const int a = lo * C, count = (hi - lo) * C;
-            vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
-            replicate(L, C, 0, lo - first, lo - first);
-            replicate(L, C, hi - first, 2 * n + 3, hi - first - 1);
-            splitDown<A, C>(L, E, O, n);
+            if constexpr (C == 1) {
+                vertDownPairs<T>(r, first, lo, hi, E, O);
+                auto at = [&](int q) -> A& { return (q & 1 ? O : E)[q >> 1]; };
+                for (int q = 0; q < lo - first; ++q) at(q) = at(lo - first);
+                for (int q = hi - first; q < 2 * n + 3; ++q) at(q) = at(hi - first - 1);
+            } else {
+                const int a = lo * C, count = (hi - lo) * C;
+                vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
+                replicate(L, C, 0, lo - first, lo - first);
+                replicate(L, C, hi - first, 2 * n + 3, hi - first - 1);
+                splitDown<A, C>(L, E, O, n);
+            }
             horzDown<T, C>(E, O, d + x0 * C, n);
         }
     }
