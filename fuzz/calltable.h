@@ -20,7 +20,7 @@
 
 namespace calltable {
 
-enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kData, kRows, kScratch, kStateIn, kStateOut };
+enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kPoint32f, kData, kRows, kScratch, kStateIn, kStateOut };
 
 struct Param {
     Kind kind;
@@ -46,6 +46,7 @@ union Arg {
     RvpiSize size;
     RvpiPoint pt;
     RvpiRect rect;
+    RvpiPoint32f pt32f;
 };
 
 struct Function {
@@ -292,6 +293,7 @@ private:
         }
         case kPoint: a.pt = RvpiPoint{drawInt(), drawInt()}; break;
         case kRect: a.rect = RvpiRect{drawInt(), drawInt(), drawInt(), drawInt()}; break;
+        case kPoint32f: a.pt32f = RvpiPoint32f{static_cast<float>(drawReal()), static_cast<float>(drawReal())}; break;
         default: break;
         }
     }
@@ -409,6 +411,11 @@ private:
                     if (args_[k].i > 8191) return false;
                     bytes = std::max<int64_t>(bytes, static_cast<int64_t>(args_[k].i) * p.elem);
                 }
+            // A sampled line holds up to the image's longer side plus one samples.
+            if (!p.isConst && std::string(f_.name).rfind("rvpiSampleLine_", 0) == 0)
+                for (int k = 0; k < f_.count; ++k)
+                    if (f_.params[k].kind == kSize)
+                        bytes = std::max<int64_t>(bytes, (std::max<int64_t>(args_[k].size.width, args_[k].size.height) + 1) * p.elem);
             b.mem.assign(static_cast<size_t>(bytes), kPattern);
             if (p.isConst) fill(b, p, 0, b.mem.size());
         }

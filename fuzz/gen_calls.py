@@ -15,9 +15,10 @@ SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32
            "RvpiConnectedComp": 48}
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
-           "RvpiRect": "kRect"}
+           "RvpiRect": "kRect", "RvpiPoint32f": "kPoint32f"}
 FIELDS = {"kInt": "i", "kU8": "u8", "kS8": "s8", "kU16": "u16", "kS16": "s16", "kF32": "f", "kF64": "d",
-          "kSize": "size", "kPoint": "pt", "kRect": "rect"}
+          "kSize": "size", "kPoint": "pt", "kRect": "rect",
+          "kPoint32f": "pt32f"}
 
 
 def parse(text):
