@@ -18,6 +18,8 @@ template <class T> std::vector<T> plain(const Image<T>& im) {
 
 template <class T, class D, class Copy, class Intersect>
 void matchesModel(uint32_t seed, Copy copy, Intersect intersect) {
+  for (rvcv::Isa isa : isaLevels()) {
+    ScopedIsa level(isa);
     std::mt19937 rng(seed);
     std::uniform_real_distribution<float> frac(0.0f, 1.0f);
     for (int t = 0; t < 60; ++t) {
@@ -67,6 +69,7 @@ void matchesModel(uint32_t seed, Copy copy, Intersect intersect) {
             }
         ASSERT_TRUE(dst.guardsIntact() && patch.guardsIntact());
     }
+  }
 }
 
 TEST(Subpix, MatchesModel8u16u) {
