@@ -87,21 +87,21 @@ struct ThreadRecord {
     void* pRows;        // this thread's row of filtered samples
 };
 
-// Both blocks start with the public record and the direction, so that a
-// state of the other direction is told apart before anything else is read.
+// Both blocks start with the public record and the direction (Head), so that
+// a state of the other direction is told apart before anything else is read.
 enum Direction : int { kDown = 0x444f574e, kUp = 0x55502020 };
 
-struct DownBlock {
+struct Head {
     RvpiPyramidDownState pub;
     int direction;
     int channels, threads;
+};
+
+struct DownBlock : Head {
     Rvp8u* pRows;      // one row of filtered samples per thread
     int64_t rowBytes;
 };
-struct UpBlock {
-    RvpiPyramidUpState pub;
-    int direction;
-    int channels, threads;
+struct UpBlock : Head {
     Rvp8u* pRows;  // two rows of filtered samples per thread
     int64_t rowBytes;
     int maxDstWidth;
@@ -344,21 +344,31 @@ void downRows(const T* src, int srcStep, RvpiSize s, T* dst, int dstStep, RvpiSi
     }
 }
 
-template <class T, int C>
-RvpStatus layerDown(const T* pSrc, int srcStep, RvpiSize srcRoi, T* pDst, int dstStep, RvpiSize dstRoi,
-                    RvpiPyramidDownState* pState) {
+// The tests both directions share: pointers, sizes, steps, then the state:
+// its direction, type, channels and rate, and a source within its size.
+template <class T, int C, class Block>
+RvpStatus checkLayer(const T* pSrc, int srcStep, RvpiSize srcRoi, T* pDst, int dstStep, RvpiSize dstRoi,
+                     const Block* pState, Direction dir) {
     Check c;
     c.ptrs(pSrc, pDst, pState).size(srcRoi).size(dstRoi);
     c.step(srcStep, wmul(srcRoi.width, static_cast<int>(sizeof(T)) * C))
         .step(dstStep, wmul(dstRoi.width, static_cast<int>(sizeof(T)) * C))
         .evenSteps(static_cast<int>(sizeof(T)), srcStep, dstStep);
     if (c != rvpStsNoErr) return c;
-    const DownBlock* b = reinterpret_cast<const DownBlock*>(pState);
-    const RvpiPyramidDownState& st = b->pub;
-    if (b->direction != kDown || st.sampleType != Sample<T>::kType || b->channels != C || st.mode != 2)
-        return rvpStsBadArgErr;
+    const Head* h = reinterpret_cast<const Head*>(pState);
+    const RvpiPyramidDownState& st = h->pub;
+    if (h->direction != dir || st.sampleType != Sample<T>::kType || h->channels != C || st.mode != 2) return rvpStsBadArgErr;
     if (!rateOk(st.rate)) return rvpStsBadArgErr;
     if (srcRoi.width > st.srcWidth || srcRoi.height > st.srcHeight) return rvpStsSizeErr;
+    return rvpStsNoErr;
+}
+
+template <class T, int C>
+RvpStatus layerDown(const T* pSrc, int srcStep, RvpiSize srcRoi, T* pDst, int dstStep, RvpiSize dstRoi,
+                    RvpiPyramidDownState* pState) {
+    if (RvpStatus e = checkLayer<T, C>(pSrc, srcStep, srcRoi, pDst, dstStep, dstRoi, pState, kDown)) return e;
+    const DownBlock* b = reinterpret_cast<const DownBlock*>(pState);
+    const RvpiPyramidDownState& st = b->pub;
     RvpiSize want{0, 0};
     bool found = false;
     for (int i = 0; i < st.levelCount && !found; ++i)
@@ -392,18 +402,9 @@ RvpStatus layerUp(const T* pSrc, int srcStep, RvpiSize srcRoi, T* pDst, int dstS
     using A = typename Sample<T>::A;
     using K = typename Sample<T>::K;
     using F = typename std::conditional<std::is_same<A, float>::value, float, int32_t>::type;
-    Check c;
-    c.ptrs(pSrc, pDst, pState).size(srcRoi).size(dstRoi);
-    c.step(srcStep, wmul(srcRoi.width, static_cast<int>(sizeof(T)) * C))
-        .step(dstStep, wmul(dstRoi.width, static_cast<int>(sizeof(T)) * C))
-        .evenSteps(static_cast<int>(sizeof(T)), srcStep, dstStep);
-    if (c != rvpStsNoErr) return c;
+    if (RvpStatus e = checkLayer<T, C>(pSrc, srcStep, srcRoi, pDst, dstStep, dstRoi, pState, kUp)) return e;
     const UpBlock* b = reinterpret_cast<const UpBlock*>(pState);
     const RvpiPyramidUpState& st = b->pub;
-    if (b->direction != kUp || st.sampleType != Sample<T>::kType || b->channels != C || st.mode != 2)
-        return rvpStsBadArgErr;
-    if (!rateOk(st.rate)) return rvpStsBadArgErr;
-    if (srcRoi.width > st.srcWidth || srcRoi.height > st.srcHeight) return rvpStsSizeErr;
     const Range rw = upRange(srcRoi.width, st.rate), rh = upRange(srcRoi.height, st.rate);
     if (dstRoi.width < rw.lo || dstRoi.width > rw.hi || dstRoi.height < rh.lo || dstRoi.height > rh.hi ||
         dstRoi.width > b->maxDstWidth)
