@@ -100,11 +100,11 @@ private:
 // the six values a pixel of the eigen-decomposition.
 struct Extent {
     const char* prefix;
-    int columns, rows, channels;
+    int columns, rows, channels, scale = 1;  // outputs of scale x the size, plus columns and rows
 };
 constexpr Extent kExtents[] = {{"rvpiIntegral_", 1, 1, 0},       {"rvpiSqrIntegral_", 1, 1, 0},
                                {"rvpiTiltedIntegral_", 2, 2, 0}, {"rvpiTiltedSqrIntegral_", 2, 2, 0},
-                               {"rvpiEigenValsVecs_", 0, 0, 6}};
+                               {"rvpiEigenValsVecs_", 0, 0, 6},  {"rvpiPyrUp_Gauss5x5_", 0, 0, 0, 2}};
 
 constexpr uint8_t kPattern = 0x5A;
 constexpr int kSlackRows = 32;
@@ -379,7 +379,8 @@ private:
             if (!p.isConst && s.width > 0 && s.height > 0)
                 for (const Extent& e : kExtents)
                     if (std::string(f_.name).rfind(e.prefix, 0) == 0)
-                        s.width += e.columns, s.height += e.rows, channels = e.channels ? e.channels : channels;
+                        s.width = s.width * e.scale + e.columns, s.height = s.height * e.scale + e.rows,
+                        channels = e.channels ? e.channels : channels;
             const int64_t rowBytes = static_cast<int64_t>(s.width) * channels * p.elem;
             args_[p.step].i = drawStep(rowBytes, p.elem);
             const int64_t step = args_[p.step].i;
@@ -431,7 +432,8 @@ private:
             std::vector<Arg> qa(q.count);
             for (int k = 0; k + 1 < q.count; ++k) {
                 const int j = f_.queryArgs[k];
-                if (j >= 1000) qa[k].i = args_[j - 1000].size.width;
+                if (j >= 2000) qa[k].i = j - 2000;  // a value the function's name gives
+                else if (j >= 1000) qa[k].i = args_[j - 1000].size.width;
                 else qa[k] = args_[j];
             }
             int size = -1;

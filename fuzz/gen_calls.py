@@ -117,6 +117,13 @@ def main():
                     found = [j for j, p in enumerate(ps) if p["name"] == qp["name"] and p["type"] == qp["type"]]
                     if not found and qp["name"] == "roiWidth":  # the width of the function's roiSize
                         found = [1000 + j for j, p in enumerate(ps) if p["name"] == "roiSize"]
+                    # A sample type or channel count the function's name gives: 2000 + its value.
+                    if not found and qp["name"] == "dataType":
+                        code = {"8u": 1, "16u": 5, "32f": 13}.get(suffix.split("_")[-2] if suffix.count("_") else "")
+                        found = [2000 + code] if code else []
+                    if not found and qp["name"] == "channels":
+                        form = re.search(r"_C([1-4])I?R$", suffix)
+                        found = [2000 + int(form.group(1))] if form else []
                     m.append(found[0] if found else -2)
                 if -2 in m:
                     continue

@@ -1907,6 +1907,37 @@ RVPAPI RvpStatus rvpiPyramidLayerUp_16u_C3R(const Rvp16u* pSrc, int srcStep, Rvp
 RVPAPI RvpStatus rvpiPyramidLayerUp_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
 RVPAPI RvpStatus rvpiPyramidLayerUp_32f_C3R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
 
+/* ---- Gaussian 5x5 pyramid steps -------------------------------------------- */
+/* 2:1 steps with the binomial kernel 1 4 6 4 1 per axis, replicated border
+ * (positions outside take the nearest sample). roiSize is the source's size.
+ * Down: the destination is ((w + 1) / 2) x ((h + 1) / 2), dst(x, y) the sum of
+ * k[i] k[j] src(2x + i - 2, 2y + j - 2) over i, j in 0..4, divided by 256.
+ * Up: the destination is 2w x 2h, the source spread to the even positions
+ * with zeros between and filtered with 2 k per axis: per axis, even outputs
+ * (a + 6 b + c) / 8 of the samples around x, odd outputs 4 (b + c) / 8.
+ * 8u: the integer sum rounded as (sum + 128) >> 8 (up: (sum + 32) >> 6).
+ * 32f: rows first, then columns, each as ((a + e) + 4 (b + d)) + 6 c (up:
+ * (a + c) + 6 b and 4 (b + c)), times 1 / 256 (up: 1 / 64).
+ * The 8u down step differs from the common pyramid that mirrors its border
+ * without repeating the edge sample only next to the border: the first and
+ * last two source rows and columns weigh differently.
+ * pBuffer: dataType RVP_SAMPLE_8U or RVP_SAMPLE_32F and the channels (1 or 3)
+ * give its size, which holds the rows of one thread; further threads take
+ * theirs from the heap (without it the call runs on one thread).
+ * Statuses: queries: NullPtr, Size (width below 1, or a buffer that would not
+ * fit an int), Interpolation (-12: a data type other than the two),
+ * Channel. Steps: NullPtr (pSrc, pDst, pBuffer), Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiPyrDownGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+RVPAPI RvpStatus rvpiPyrUpGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrDown_Gauss5x5_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_8u_C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_8u_C3R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp8u* pBuffer);
+
 /* ---- Sub-pixel copies and line sampling ------------------------------------ */
 /* A point in pixel coordinates. */
 typedef struct { Rvp32f x; Rvp32f y; } RvpiPoint32f;
