@@ -59,6 +59,28 @@ template <class T, int C> void rowDown(const T* s, int w, typename Acc<T>::type*
         for (int c = 0; c < C; ++c) h[x * C + c] = tap5(at(2 * x - 2, c), at(2 * x - 1, c), at(2 * x, c), at(2 * x + 1, c), at(2 * x + 2, c));
     };
     int x = 0;
+    if constexpr (C == 3) {
+        // Colour: one vector of taps per pixel, at its first sample (the
+        // neighbours 3 and 6 samples away); its three leading lanes are the
+        // pixel's, the rest are overwritten by the next pixel's store.
+        if (dw > 0) one(x++);
+        if constexpr (sizeof(T) == 1) {
+            const __m128i z = _mm_setzero_si128();
+            const auto ld = [&](int k) { return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(s + k)), z); };
+            for (; 6 * x + 13 <= 3 * w - 1 && 3 * x + 8 <= 3 * dw; ++x) {
+                const int i = 6 * x;
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(h + 3 * x), tap5(ld(i - 6), ld(i - 3), ld(i), ld(i + 3), ld(i + 6)));
+            }
+        } else {
+            for (; 6 * x + 9 <= 3 * w - 1 && 3 * x + 4 <= 3 * dw; ++x) {
+                const int i = 6 * x;
+                _mm_storeu_ps(h + 3 * x, tap5(_mm_loadu_ps(s + i - 6), _mm_loadu_ps(s + i - 3), _mm_loadu_ps(s + i),
+                                              _mm_loadu_ps(s + i + 3), _mm_loadu_ps(s + i + 6)));
+            }
+        }
+        for (; x < dw; ++x) one(x);
+        return;
+    }
     for (; x < dw && 2 * x - 2 < 0; ++x) one(x);
     if constexpr (C == 1) {
         if constexpr (sizeof(T) == 1) {
@@ -84,7 +106,7 @@ template <class T, int C> void rowDown(const T* s, int w, typename Acc<T>::type*
 
 // Up: u[2x] = tapEven of s at x - 1, x, x + 1; u[2x + 1] = tapOdd of s at x,
 // x + 1 (clamped), x < w.
-template <class T, int C> void rowUp(const T* s, int w, typename Acc<T>::type* u) {
+template <class T, int C> void rowUp(const T* s, int w, typename Acc<T>::type* u, typename Acc<T>::type* full) {
     using A = typename Acc<T>::type;
     const auto at = [&](int x, int c) { return static_cast<A>(s[clampTo(x, w) * C + c]); };
     const auto one = [&](int x) {
@@ -94,6 +116,41 @@ template <class T, int C> void rowUp(const T* s, int w, typename Acc<T>::type* u
         }
     };
     int x = 0;
+    if constexpr (C == 3) {
+        // Colour: even and odd taps at every sample (neighbours 3 away) into
+        // two rows of `full`, then each pixel's three of each into place.
+        const int n = 3 * w;
+        A* even = full;
+        A* odd = full + n;
+        int i = 0;
+        const auto edge = [&](int k) {
+            const int p = k / 3, c = k % 3;
+            even[k] = tapEven(at(p - 1, c), at(p, c), at(p + 1, c));
+            odd[k] = tapOdd(at(p, c), at(p + 1, c));
+        };
+        for (; i < n && i < 3; ++i) edge(i);
+        if constexpr (sizeof(T) == 1) {
+            const __m128i z = _mm_setzero_si128();
+            const auto ld = [&](int k) { return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(s + k)), z); };
+            for (; i + 11 <= n; i += 8) {
+                const __m128i a = ld(i - 3), b = ld(i), c = ld(i + 3);
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(even + i), tapEven(a, b, c));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(odd + i), tapOdd(b, c));
+            }
+        } else {
+            for (; i + 7 <= n; i += 4) {
+                const __m128 a = _mm_loadu_ps(s + i - 3), b = _mm_loadu_ps(s + i), c = _mm_loadu_ps(s + i + 3);
+                _mm_storeu_ps(even + i, tapEven(a, b, c));
+                _mm_storeu_ps(odd + i, tapOdd(b, c));
+            }
+        }
+        for (; i < n; ++i) edge(i);
+        for (; x < w; ++x) {
+            std::memcpy(u + 6 * x, even + 3 * x, 3 * sizeof(A));
+            std::memcpy(u + 6 * x + 3, odd + 3 * x, 3 * sizeof(A));
+        }
+        return;
+    }
     if (w > 0) one(x++);
     if constexpr (C == 1) {
         if constexpr (sizeof(T) == 1) {
@@ -145,10 +202,15 @@ template <class A> inline auto load(const A* p) {
 // up step's, each rounded to 64 bytes.
 template <class A> int64_t ringRowBytes(int64_t samples) { return (samples * static_cast<int64_t>(sizeof(A)) + 63) & ~int64_t{63}; }
 
+// Colour up steps add two rows of taps at every sample.
+int64_t ringBytes(int64_t width, int sampleBytes, int channels, bool up) {
+    const int64_t samples = up ? 2 * width * channels : (width + 1) / 2 * channels;
+    const auto bytes = [&](int64_t n) { return (n * sampleBytes + 63) & ~int64_t{63}; };
+    return (up ? 3 : 5) * bytes(samples) + (channels == 3 && up ? 2 * bytes(width * channels) : 0);
+}
+
 int64_t bufBytes(int width, int dataType, int channels, bool up) {
-    const int64_t samples = up ? 2 * int64_t{width} * channels : (int64_t{width} + 1) / 2 * channels;
-    const int64_t row = dataType == kType8u ? ringRowBytes<uint16_t>(samples) : ringRowBytes<float>(samples);
-    return (up ? 3 : 5) * row + 64;
+    return ringBytes(width, dataType == kType8u ? 2 : 4, channels, up) + 64;
 }
 
 RvpStatus bufSize(int roiWidth, int dataType, int channels, int* pBufferSize, bool up) {
@@ -195,7 +257,7 @@ RvpStatus pyrDown(const T* pSrc, int srcStep, T* pDst, int dstStep, RvpiSize roi
     if (c != rvpStsNoErr) return c;
     const int n = dw * C;
     const int64_t rowBytes = ringRowBytes<A>(n);
-    bands(dh, int64_t{dw} * dh, pBuffer, 5 * rowBytes, [&](int y0, int rows, Rvp8u* ring) {
+    bands(dh, int64_t{dw} * dh, pBuffer, ringBytes(roi.width, sizeof(A), C, false), [&](int y0, int rows, Rvp8u* ring) {
         // Source row sy lives in slot sy % 5: five consecutive rows (clamped
         // ones repeat) never evict each other.
         int held[5] = {-1, -1, -1, -1, -1};
@@ -228,13 +290,15 @@ RvpStatus pyrUp(const T* pSrc, int srcStep, T* pDst, int dstStep, RvpiSize roi, 
     if (c != rvpStsNoErr) return c;
     const int n = 2 * roi.width * C;
     const int64_t rowBytes = ringRowBytes<A>(n);
-    bands(roi.height, 4 * int64_t{roi.width} * roi.height, pBuffer, 3 * rowBytes, [&](int y0, int rows, Rvp8u* ring) {
+    bands(roi.height, 4 * int64_t{roi.width} * roi.height, pBuffer, ringBytes(roi.width, sizeof(A), C, true),
+          [&](int y0, int rows, Rvp8u* ring) {
+        A* full = reinterpret_cast<A*>(ring + 3 * rowBytes);
         int held[3] = {-1, -1, -1};  // as for the down step, slot sy % 3
         const auto get = [&](int sy) -> const A* {
             sy = clampTo(sy, roi.height);
             const int k = sy % 3;
             A* row = reinterpret_cast<A*>(ring + k * rowBytes);
-            if (held[k] != sy) rowUp<T, C>(rowPtr(pSrc, srcStep, sy), roi.width, row), held[k] = sy;
+            if (held[k] != sy) rowUp<T, C>(rowPtr(pSrc, srcStep, sy), roi.width, row, full), held[k] = sy;
             return row;
         };
         for (int y = y0; y < y0 + rows; ++y) {
