@@ -130,3 +130,35 @@ def sample_line(img, p1, p2):
     call("rvpiSampleLine_%s_C1R" % form, s.ptr, s.step, s.size,
          ffi.from_buffer(("Rvp8u[]" if form == "8u" else "Rvp32f[]"), out, require_writable=True), list(p1), list(p2))
     return out
+
+
+def _gauss5(img, up):
+    a = np.asarray(img)
+    if a.dtype not in (np.uint8, np.float32):
+        raise TypeError("img: uint8 or float32 samples")
+    form, ch = _form(a)
+    h, w = a.shape[:2]
+    oh, ow = (2 * h, 2 * w) if up else ((h + 1) // 2, (w + 1) // 2)
+    size = ffi.new("int *")
+    call("rvpiPyr%sGetBufSize_Gauss5x5" % ("Up" if up else "Down"), w, 1 if form == "8u" else 13, ch, size)
+    buf = np.empty(size[0], np.uint8)
+    s = Image(a, a.dtype.type, ch)
+    d = np.empty((oh, ow) if ch == 1 else (oh, ow, ch), a.dtype)
+    di = Image(d, a.dtype.type, ch, "out", writable=True)
+    call("rvpiPyr%s_Gauss5x5_%s_C%dR" % ("Up" if up else "Down", form, ch), s.ptr, s.step, di.ptr, di.step, s.size,
+         ffi.from_buffer("Rvp8u[]", buf, require_writable=True))
+    return d
+
+
+@documented("rvpiPyrDown_Gauss5x5_8u_C1R")
+def pyr_down_gauss5(img):
+    """img (uint8 or float32, one or three channels) filtered with 1 4 6 4 1
+    per axis and halved: ((h + 1) // 2, (w + 1) // 2)."""
+    return _gauss5(img, False)
+
+
+@documented("rvpiPyrUp_Gauss5x5_8u_C1R")
+def pyr_up_gauss5(img):
+    """img (uint8 or float32, one or three channels) doubled in each axis
+    and filtered with 1 4 6 4 1 per axis (times 4)."""
+    return _gauss5(img, True)

@@ -234,3 +234,8 @@ def test_pyramid_levels_patches_and_lines():
     half = rvpcv.copy_subpix(f, 0.5, 0.0)
     assert half.shape == (20, 29) and np.allclose(half, (f[:, :-1] + f[:, 1:]) / 2, atol=1e-6)
     assert np.array_equal(rvpcv.sample_line(img, (0, 0), (9, 3)), img[[0, 0, 1, 1, 1, 2, 2, 2, 3, 3], np.arange(10)])
+    # The 5x5 steps: a ramp stays a ramp inside, sizes halve and double.
+    ramp = np.tile(np.arange(64, dtype=np.float32), (40, 1))
+    down = rvpcv.pyr_down_gauss5(ramp)
+    assert down.shape == (20, 32) and np.allclose(down[:, 2:-2], ramp[:20, 4:-4:2])
+    assert rvpcv.pyr_up_gauss5(np.zeros((5, 7, 3), np.uint8)).shape == (10, 14, 3)
