@@ -47,6 +47,13 @@ def main():
         pass
 
     from skimage.restoration import inpaint_biharmonic
+    try:
+        from skimage.transform import pyramid_gaussian
+        rows.append(("pyramid 8u ratio 1.5, 4 levels", best(lambda: rvpcv.pyramid_levels(img, 4, 1.5)),
+                     best(lambda: list(pyramid_gaussian(img, max_layer=4, downscale=1.5)), 1),
+                     "skimage pyramid_gaussian"))
+    except ImportError:
+        pass
     mask = np.zeros((h, w), np.uint8)
     mask[rng.random((h, w)) < 0.0025] = 1
     mask = ndi.binary_dilation(mask, iterations=1).astype(np.uint8)  # about 1% of the pixels

@@ -20,7 +20,7 @@
 
 namespace calltable {
 
-enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kData, kRows, kScratch, kStateIn, kStateOut };
+enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kPoint32f, kData, kRows, kScratch, kStateIn, kStateOut };
 
 struct Param {
     Kind kind;
@@ -46,6 +46,7 @@ union Arg {
     RvpiSize size;
     RvpiPoint pt;
     RvpiRect rect;
+    RvpiPoint32f pt32f;
 };
 
 struct Function {
@@ -54,8 +55,7 @@ struct Function {
     const Param* params;
     int (*call)(Arg*);
     int query;          // index of the scratch buffer's size query, -1 for none
-    const int* queryArgs;  // for each query parameter but the last: the function's parameter (1000 + i: width of size i;
-                           // 2000 + v: the constant v, a sample-type code or channel count from the name)
+    const int* queryArgs;  // for each query parameter but the last: the function's parameter (1000 + i: width of size i)
 };
 
 #include "calls.inc"
@@ -97,15 +97,14 @@ private:
 };
 
 // Outputs larger than roiSize and its layout says: the summed-area tables,
-// the six values a pixel of the eigen-decomposition, the twice as wide and
-// high level above of a pyramid step.
+// the six values a pixel of the eigen-decomposition.
 struct Extent {
     const char* prefix;
-    int columns, rows, channels, scale = 1;
+    int columns, rows, channels, scale = 1;  // outputs of scale x the size, plus columns and rows
 };
 constexpr Extent kExtents[] = {{"rvpiIntegral_", 1, 1, 0},       {"rvpiSqrIntegral_", 1, 1, 0},
                                {"rvpiTiltedIntegral_", 2, 2, 0}, {"rvpiTiltedSqrIntegral_", 2, 2, 0},
-                               {"rvpiEigenValsVecs_", 0, 0, 6}, {"rvpiPyrUp_", 0, 0, 0, 2}};
+                               {"rvpiEigenValsVecs_", 0, 0, 6},  {"rvpiPyrUp_Gauss5x5_", 0, 0, 0, 2}};
 
 constexpr uint8_t kPattern = 0x5A;
 constexpr int kSlackRows = 32;
@@ -294,6 +293,7 @@ private:
         }
         case kPoint: a.pt = RvpiPoint{drawInt(), drawInt()}; break;
         case kRect: a.rect = RvpiRect{drawInt(), drawInt(), drawInt(), drawInt()}; break;
+        case kPoint32f: a.pt32f = RvpiPoint32f{static_cast<float>(drawReal()), static_cast<float>(drawReal())}; break;
         default: break;
         }
     }
@@ -412,6 +412,11 @@ private:
                     if (args_[k].i > 8191) return false;
                     bytes = std::max<int64_t>(bytes, static_cast<int64_t>(args_[k].i) * p.elem);
                 }
+            // A sampled line holds up to the image's longer side plus one samples.
+            if (!p.isConst && std::string(f_.name).rfind("rvpiSampleLine_", 0) == 0)
+                for (int k = 0; k < f_.count; ++k)
+                    if (f_.params[k].kind == kSize)
+                        bytes = std::max<int64_t>(bytes, (std::max<int64_t>(args_[k].size.width, args_[k].size.height) + 1) * p.elem);
             b.mem.assign(static_cast<size_t>(bytes), kPattern);
             if (p.isConst) fill(b, p, 0, b.mem.size());
         }
@@ -427,7 +432,7 @@ private:
             std::vector<Arg> qa(q.count);
             for (int k = 0; k + 1 < q.count; ++k) {
                 const int j = f_.queryArgs[k];
-                if (j >= 2000) qa[k].i = j - 2000;
+                if (j >= 2000) qa[k].i = j - 2000;  // a value the function's name gives
                 else if (j >= 1000) qa[k].i = args_[j - 1000].size.width;
                 else qa[k] = args_[j];
             }

@@ -15,10 +15,10 @@ SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32
            "RvpiConnectedComp": 48}
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
-           "RvpiRect": "kRect"}
-CODES = {"8u": 1, "16u": 5, "32f": 13}  # sample-type codes of the queries that take dataType
+           "RvpiRect": "kRect", "RvpiPoint32f": "kPoint32f"}
 FIELDS = {"kInt": "i", "kU8": "u8", "kS8": "s8", "kU16": "u16", "kS16": "s16", "kF32": "f", "kF64": "d",
-          "kSize": "size", "kPoint": "pt", "kRect": "rect"}
+          "kSize": "size", "kPoint": "pt", "kRect": "rect",
+          "kPoint32f": "pt32f"}
 
 
 def parse(text):
@@ -117,11 +117,13 @@ def main():
                     found = [j for j, p in enumerate(ps) if p["name"] == qp["name"] and p["type"] == qp["type"]]
                     if not found and qp["name"] == "roiWidth":  # the width of the function's roiSize
                         found = [1000 + j for j, p in enumerate(ps) if p["name"] == "roiSize"]
-                    if not found and qp["name"] == "dataType":  # the sample-type code of the name's type
-                        code = CODES.get(suffix.rsplit("_", 2)[-2] if suffix.count("_") >= 1 else "")
+                    # A sample type or channel count the function's name gives: 2000 + its value.
+                    if not found and qp["name"] == "dataType":
+                        code = {"8u": 1, "16u": 5, "32f": 13}.get(suffix.split("_")[-2] if suffix.count("_") else "")
                         found = [2000 + code] if code else []
-                    if not found and qp["name"] == "channels":  # the name's channel count
-                        found = [2000 + channels(f)[0]]
+                    if not found and qp["name"] == "channels":
+                        form = re.search(r"_C([1-4])I?R$", suffix)
+                        found = [2000 + int(form.group(1))] if form else []
                     m.append(found[0] if found else -2)
                 if -2 in m:
                     continue

@@ -1765,11 +1765,20 @@ RVPAPI RvpStatus rvpiFastMarchingGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* 
 RVPAPI RvpStatus rvpiFastMarching_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                             RvpiSize roiSize, Rvp32f radius, Rvp8u* pBuffer);
 
-/* ---- Pyramidal optical flow ------------------------------------------------ */
-/* A point in level-0 pixel coordinates. */
-typedef struct { Rvp32f x; Rvp32f y; } RvpiPoint32f;
-/* An image pyramid: per level its image, size, scale relative to level 0 and
- * step; level is the index of the last level. */
+/* ---- Pyramids: level geometry, records, layer states and resampling ------- */
+/* Sample-type codes of the pyramid layer states and the Gaussian step queries. */
+#define RVP_SAMPLE_8U  1
+#define RVP_SAMPLE_16U 5
+#define RVP_SAMPLE_32F 13
+
+/* An image pyramid, one block from rvpiPyramidInitAlloc: per level its image
+ * (set to null; the caller fills it, the record does not own it), size
+ * (entry 0 the caller's roiSize), scale relative to level 0 (1.0, then each
+ * entry the previous times 1.0 / rate in double precision, rate widened from
+ * single precision) and step (set to 0; the caller fills it); pState is null
+ * for the caller's use; level is the index of the last level. The four
+ * arrays lie inside the block (52 * level + 152 bytes), after the record,
+ * each at an 8-byte boundary and 16 bytes apart. */
 typedef struct {
     void**    pImage;
     RvpiSize* pRoi;
@@ -1778,65 +1787,125 @@ typedef struct {
     void*     pState;
     int       level;
 } RvpiPyramid;
-typedef struct RvpiOptFlowPyrLKState RvpiOptFlowPyrLKState;
-/* Follows numFeat points from the image of pPyr1 to that of pPyr2 (pyramids
- * built by the caller, the sizes and scales of pPyr1 taken for both) by the
- * iterative gradient method, from level maxLev down to 0, with a window of
- * winSize x winSize pixels. pNext holds the initial guesses on entry and the
- * positions in the second image on return; pStatus[i] is 0 for a point
- * tracked through level 0, k > 0 for a point lost at level k - 1 (a flat
- * window, or one that left the image); pError[i] the root mean square
- * difference of the windows at the start of the last iteration (0 for a
- * lost point).
- * Levels smaller than the state's size take their gradients from two Scharr
- * planes of the whole level (replicated border, 8u: x4 in 16 bits, 16u and
- * 32f: x0.03125 in floats); the others from each point's own patch. Windows
- * are sampled with 14-bit bilinear weights, positions outside the image
- * taking the nearest sample, and only the part of a window inside both images
- * counts. Each level iterates at most maxIter times: it stops when the step's
- * squared length falls below threshold^2, or when a step undoes the previous
- * one (half of it is then taken back); a point is lost when the window's
- * gradient matrix has a determinant below 2^-52. When maxLev is 1 and level 1
- * is taken from patches, the guess is not rescaled between levels 1 and 0.
- * Points go in bands over the state's team: the threads running the call
- * that made the state (1 outside a parallel region). Results do not depend on
- * the team.
- * State: rvpiOpticalFlowPyrLKInitAlloc_<type>(&state, largest level-0 size,
- * winSize, hint (kept, unused)); scratch only, one call at a time per state.
- * Statuses: InitAlloc: NullPtr, Size (winSize, height, width below 1; a state
- * that would not fit an int), MemAlloc. Free: NullPtr. OpticalFlowPyrLK:
- * NullPtr (pyramids, state, point arrays, status, error), Size (numFeat < 1,
- * winSize < 1 or not the state's), BadArg (maxLev < 0, maxIter < 1,
- * threshold < 0; a NaN passes). The levels inside the pyramids are not
- * checked. */
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_8u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
-                                                      int hint);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_16u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
-                                                       int hint);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_32f_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
-                                                       int hint);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_8u_C1R(RvpiOptFlowPyrLKState* pState);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_16u_C1R(RvpiOptFlowPyrLKState* pState);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_32f_C1R(RvpiOptFlowPyrLKState* pState);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLK_8u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
-                                             const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
-                                             Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
-                                             Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLK_16u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
-                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
-                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
-                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
-RVPAPI RvpStatus rvpiOpticalFlowPyrLK_32f_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
-                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
-                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
-                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
 
-/* ---- Sample-type codes ------------------------------------------------------ */
-/* The codes of the sample type that the pyramid queries and layer states take
- * as dataType or record as sampleType. */
-#define RVP_SAMPLE_8U  1
-#define RVP_SAMPLE_16U 5
-#define RVP_SAMPLE_32F 13
+/* Layer states, read-only for the caller. pKernel: the normalised kernel
+ * (Rvp16s for 8u and 16u layers, Rvp32f for 32f), at a 32-byte boundary in
+ * the block; pWork: scratch after it. Down states only: pThreadWork, the
+ * per-thread records (present when kernelSize is below both the width and
+ * the height; the first one flags a rate strictly between 1.99998 and
+ * 2.00002 and holds the kernel with each weight repeated 8 (16s) or 4 (32f)
+ * times, twice), and pLevelRoi, the levelCount + 1 sizes from the source size
+ * down to 1 x 1. sampleType: RVP_SAMPLE_*; mode: always 2. A down state's
+ * block is filled with 0xFF bytes before its fields are written. */
+typedef struct {
+    void*     pKernel;
+    void*     pWork;
+    void*     pThreadWork;
+    RvpiSize* pLevelRoi;
+    int       levelCount;
+    int       kernelSize;
+    int       sampleType;
+    int       srcWidth, srcHeight;
+    int       mode;
+    Rvp32f    rate;
+} RvpiPyramidDownState;
+typedef RvpiPyramidDownState RvpiPyramidUpState;
+
+/* Size of the level below: per dimension int(n / rate + 0.5) in single
+ * precision (at least 1), then stepped by one until the upward range of the
+ * answer holds the source (height first; a change of width unsettles the
+ * height), so that going down and up again is consistent.
+ * Statuses: NullPtr, Size (width or height below 1), BadArg (rate not above
+ * 1.0 or above 10.0; also NaN). */
+RVPAPI RvpStatus rvpiGetPyramidDownROI(RvpiSize srcRoi, RvpiSize* pDstRoi, Rvp32f rate);
+/* Range of sizes of the level above, per dimension n (products in single
+ * precision, truncated): smallest 1 if n is 1, else the larger of
+ * int((n - 1) * rate) + 1 and n + 1; largest the larger of int(n * rate) and
+ * n + 1. Statuses: as for the level below, both pointers tested; Size also
+ * when a size would not fit an int (nothing written). */
+RVPAPI RvpStatus rvpiGetPyramidUpROI(RvpiSize srcRoi, RvpiSize* pDstRoiMin, RvpiSize* pDstRoiMax, Rvp32f rate);
+/* A pyramid record for roiSize: the levels below it walked with
+ * rvpiGetPyramidDownROI until a level is 1 x 1, at most `level` of them; read
+ * the levels granted from the record's level.
+ * Statuses: NullPtr, Size, BadArg (rate as above, level < 1), MemAlloc. */
+RVPAPI RvpStatus rvpiPyramidInitAlloc(RvpiPyramid** ppPyr, int level, RvpiSize roiSize, Rvp32f rate);
+/* Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiPyramidFree(RvpiPyramid* pPyr);
+
+/* Layer states for a source of roiSize at ratio rate (just above 1 to 10),
+ * with a kernel of kernelSize weights (odd, at least 3) copied and
+ * normalised: only its left half and centre are used, mirrored. Down
+ * (integer): S = c + 2 (k0 + ... + k(h-1)), weights ((k << 14) / S) >> 1 with
+ * a 64-bit division (sum about 8192); up (integer): S = 4 c + 8 (k0 + ...) in
+ * single precision, weights int((4 k) / (S / 2) * 8192.0 + 0.5) narrowed to 16
+ * bits and halved. Float layers: k / S with S = c + 2 (k0 + ...). A zero sum
+ * (float: magnitude at most 1.1754944e-38) keeps the weights as given; the
+ * float centre is then the value of the byte at offset h of the kernel.
+ * States serve sources of roiSize or smaller, one call at a time; per-thread
+ * scratch is sized for the threads permitted when the state is made, and a
+ * call uses at most that many.
+ * Statuses: NullPtr (ppState, pKernel), Size, BadArg (mode other than 2,
+ * rate, kernelSize below 3 or even), MemAlloc (also a state past an int);
+ * rvpStsSymKernelWrn (38) when the kernel is not symmetric (integers differ;
+ * floats differ by more than 1.1754944e-38): the state is valid. */
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_8u_C1R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_8u_C3R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_16u_C1R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_16u_C3R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_32f_C1R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp32f* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerDownInitAlloc_32f_C3R(RvpiPyramidDownState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp32f* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_8u_C1R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_8u_C3R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_16u_C1R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_16u_C3R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp16s* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_32f_C1R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp32f* pKernel, int kernelSize, int mode);
+RVPAPI RvpStatus rvpiPyramidLayerUpInitAlloc_32f_C3R(RvpiPyramidUpState** ppState, RvpiSize roiSize, Rvp32f rate, const Rvp32f* pKernel, int kernelSize, int mode);
+/* Release a layer state; the typed names are the same two functions.
+ * Statuses: NullPtr. */
+RVPAPI RvpStatus rvpiPyramidLayerDownFree(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_8u_C1R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_8u_C3R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_16u_C1R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_16u_C3R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_32f_C1R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDownFree_32f_C3R(RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_8u_C1R(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_8u_C3R(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_16u_C1R(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_16u_C3R(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_32f_C1R(RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUpFree_32f_C3R(RvpiPyramidUpState* pState);
+
+/* One level down: the source is filtered with the state's kernel (columns of
+ * rows first, then along the row; replicated border) at the source positions
+ * p(x) = floor(x * rate + 0.5), capped at the last sample, and those filtered
+ * samples form the destination. A rate strictly between 1.99998 and 2.00002
+ * counts as exactly 2 (p(x) = 2x). Integer layers round each pass as
+ * (sum + 4096) >> 13 and saturate the result; float layers sum the taps in
+ * order. dstRoi must be the entry after srcRoi in the state's pLevelRoi
+ * (found by its height), or else rvpiGetPyramidDownROI(srcRoi).
+ * One level up: the source is filtered the same way (along the rows first,
+ * then the columns; integers saturated to the sample range), then the
+ * destination takes bilinear samples of it at (x / rate, y / rate) with the
+ * 14-bit weights of the sub-pixel copies (integers rounded to nearest, ties
+ * to even; floats summed as there), positions past the last sample taking
+ * it. dstRoi must lie in the range of rvpiGetPyramidUpROI(srcRoi).
+ * Statuses: NullPtr (pSrc, pDst, pState), Size (a size below 1, srcRoi larger
+ * than the state's, dstRoi not as above), Step, NotEvenStep, BadArg (a state
+ * of another type or channel count, or whose rate is out of range). */
+RVPAPI RvpStatus rvpiPyramidLayerDown_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize srcRoi, Rvp8u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDown_8u_C3R(const Rvp8u* pSrc, int srcStep, RvpiSize srcRoi, Rvp8u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDown_16u_C1R(const Rvp16u* pSrc, int srcStep, RvpiSize srcRoi, Rvp16u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDown_16u_C3R(const Rvp16u* pSrc, int srcStep, RvpiSize srcRoi, Rvp16u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDown_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerDown_32f_C3R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidDownState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize srcRoi, Rvp8u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_8u_C3R(const Rvp8u* pSrc, int srcStep, RvpiSize srcRoi, Rvp8u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_16u_C1R(const Rvp16u* pSrc, int srcStep, RvpiSize srcRoi, Rvp16u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_16u_C3R(const Rvp16u* pSrc, int srcStep, RvpiSize srcRoi, Rvp16u* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
+RVPAPI RvpStatus rvpiPyramidLayerUp_32f_C3R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoi, Rvp32f* pDst, int dstStep, RvpiSize dstRoi, RvpiPyramidUpState* pState);
 
 /* ---- Gaussian 5x5 pyramid steps ---------------------------------------------- */
 /* One level down or up a 2:1 pyramid with the kernel k = 1 4 6 4 1 on both
@@ -1899,6 +1968,102 @@ RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp
                                             RvpiSize roiSize, Rvp8u* pBuffer);
 RVPAPI RvpStatus rvpiPyrUp_Gauss5x5_32f_C3R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                             RvpiSize roiSize, Rvp8u* pBuffer);
+
+/* ---- Sub-pixel copies and line sampling ------------------------------------ */
+/* A point in pixel coordinates. */
+typedef struct { Rvp32f x; Rvp32f y; } RvpiPoint32f;
+/* Bilinear samples with 14-bit weights: for fractions a and b (14 bits each)
+ * the four weights are the products of the axis weights (16384 - a, a) and
+ * (16384 - b, b), plus 8192, shifted right by 14; fractions of 0 copy the
+ * samples exactly. 8u16u: the weighted sum scaled by 2^-(14 + scaleFactor),
+ * rounded to nearest (ties to even) and saturated; 16u32f and 32f: the
+ * weights divided by 16384 and summed as w0 s00 + w1 s01 + (w2 s10 + w3 s11).
+ *
+ * CopySubpix: dst(x, y) is the sample at (x + dx, y + dy), dx and dy in
+ * [0, 1) with fractions int(d * 16384.0 + 0.5). The source holds one column
+ * more than roiSize when dx's fraction is not 0, one row more when dy's is not.
+ * Statuses: NullPtr, Size, Step (the source's row including that column),
+ * NotEvenStep, BadArg (dx or dy outside [0, 1), or NaN). */
+RVPAPI RvpStatus rvpiCopySubpix_8u16u_C1R_Sfs(const Rvp8u* pSrc, int srcStep, Rvp16u* pDst, int dstStep, RvpiSize roiSize, Rvp32f dx, Rvp32f dy, int scaleFactor);
+RVPAPI RvpStatus rvpiCopySubpix_16u32f_C1R(const Rvp16u* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp32f dx, Rvp32f dy);
+RVPAPI RvpStatus rvpiCopySubpix_32f_C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, Rvp32f dx, Rvp32f dy);
+/* CopySubpixIntersect: a patch of dstRoiSize centred on point in the source
+ * image. Per axis, with n the patch's samples: f = c - (n - 1) * 0.5 (double),
+ * i0 = int(n + f) - n, fraction int((f - i0) * 16384.0 + 0.5); patch index k
+ * reads source samples i0 + k and i0 + k + 1, positions outside the image
+ * taking the nearest sample. *pMin and *pMax are the corners of the part of
+ * the patch whose samples lie inside: min = -i0 if i0 < 0 (at most n), else
+ * 0; max = n - 1, or size - i0 - 2 when i0 + n - 1 > size - 2; a patch wholly
+ * beyond the image (i0 >= size) gives min 0 and max -1, one wholly before it
+ * min n and max n - 1 (the window is then clamped so that every position
+ * reads the edge sample; a NaN centre counts as beyond).
+ * Statuses: NullPtr (also pMin, pMax), Size, Step, NotEvenStep. */
+RVPAPI RvpStatus rvpiCopySubpixIntersect_8u16u_C1R_Sfs(const Rvp8u* pSrc, int srcStep, RvpiSize srcRoiSize, Rvp16u* pDst, int dstStep, RvpiSize dstRoiSize, RvpiPoint32f point, RvpiPoint* pMin, RvpiPoint* pMax, int scaleFactor);
+RVPAPI RvpStatus rvpiCopySubpixIntersect_16u32f_C1R(const Rvp16u* pSrc, int srcStep, RvpiSize srcRoiSize, Rvp32f* pDst, int dstStep, RvpiSize dstRoiSize, RvpiPoint32f point, RvpiPoint* pMin, RvpiPoint* pMax);
+RVPAPI RvpStatus rvpiCopySubpixIntersect_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize srcRoiSize, Rvp32f* pDst, int dstStep, RvpiSize dstRoiSize, RvpiPoint32f point, RvpiPoint* pMin, RvpiPoint* pMax);
+/* SampleLine: the samples along the line from pt1 to pt2 into pDst, m + 1 of
+ * them with m the longer of |dx| and |dy|: sample i lies i steps along the
+ * longer axis from pt1 and floor((2 i |d| + m) / (2 m)) steps along the other
+ * (rounded, halves away from pt1). pDst holds m + 1 samples.
+ * Statuses: NullPtr, Size, Step, NotEvenStep, LineLength (the count, the
+ * longer extent plus 1 in 32-bit arithmetic with wrapping differences, is
+ * negative), OutOfRange (an end point outside the image). */
+RVPAPI RvpStatus rvpiSampleLine_8u_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, Rvp8u* pDst, RvpiPoint pt1, RvpiPoint pt2);
+RVPAPI RvpStatus rvpiSampleLine_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, Rvp32f* pDst, RvpiPoint pt1, RvpiPoint pt2);
+
+/* ---- Pyramidal optical flow ------------------------------------------------ */
+typedef struct RvpiOptFlowPyrLKState RvpiOptFlowPyrLKState;
+/* Follows numFeat points from the image of pPyr1 to that of pPyr2 (pyramids
+ * built by the caller, the sizes and scales of pPyr1 taken for both) by the
+ * iterative gradient method, from level maxLev down to 0, with a window of
+ * winSize x winSize pixels. pNext holds the initial guesses on entry and the
+ * positions in the second image on return; pStatus[i] is 0 for a point
+ * tracked through level 0, k > 0 for a point lost at level k - 1 (a flat
+ * window, or one that left the image); pError[i] the root mean square
+ * difference of the windows at the start of the last iteration (0 for a
+ * lost point).
+ * Levels smaller than the state's size take their gradients from two Scharr
+ * planes of the whole level (replicated border, 8u: x4 in 16 bits, 16u and
+ * 32f: x0.03125 in floats); the others from each point's own patch. Windows
+ * are sampled with 14-bit bilinear weights, positions outside the image
+ * taking the nearest sample, and only the part of a window inside both images
+ * counts. Each level iterates at most maxIter times: it stops when the step's
+ * squared length falls below threshold^2, or when a step undoes the previous
+ * one (half of it is then taken back); a point is lost when the window's
+ * gradient matrix has a determinant below 2^-52. When maxLev is 1 and level 1
+ * is taken from patches, the guess is not rescaled between levels 1 and 0.
+ * Points go in bands over the state's team: the threads running the call
+ * that made the state (1 outside a parallel region). Results do not depend on
+ * the team.
+ * State: rvpiOpticalFlowPyrLKInitAlloc_<type>(&state, largest level-0 size,
+ * winSize, hint (kept, unused)); scratch only, one call at a time per state.
+ * Statuses: InitAlloc: NullPtr, Size (winSize, height, width below 1; a state
+ * that would not fit an int), MemAlloc. Free: NullPtr. OpticalFlowPyrLK:
+ * NullPtr (pyramids, state, point arrays, status, error), Size (numFeat < 1,
+ * winSize < 1 or not the state's), BadArg (maxLev < 0, maxIter < 1,
+ * threshold < 0; a NaN passes). The levels inside the pyramids are not
+ * checked. */
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_8u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                      int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_16u_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                       int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKInitAlloc_32f_C1R(RvpiOptFlowPyrLKState** ppState, RvpiSize roiSize, int winSize,
+                                                       int hint);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_8u_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_16u_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLKFree_32f_C1R(RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_8u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                             const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                             Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                             Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_16u_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
+RVPAPI RvpStatus rvpiOpticalFlowPyrLK_32f_C1R(const RvpiPyramid* pPyr1, const RvpiPyramid* pPyr2,
+                                              const RvpiPoint32f* pPrev, RvpiPoint32f* pNext, Rvp8s* pStatus,
+                                              Rvp32f* pError, int numFeat, int winSize, int maxLev, int maxIter,
+                                              Rvp32f threshold, RvpiOptFlowPyrLKState* pState);
 
 #ifdef __cplusplus
 }

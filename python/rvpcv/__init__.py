@@ -21,9 +21,10 @@ from .flow import optical_flow
 from .inpaint import inpaint
 from .morphology import (dilate, erode, gray_dilate, gray_erode, max_filter, min_filter, morphology_ex,
                          reconstruct)
-from .pyramid import pyr_down_gauss5, pyr_up_gauss5
 from .motion import GaussianBackground, HistogramBackground, update_motion_history
 from .segment import bound_segments, segment_gradient, watershed
+from .subpix import (copy_subpix, get_patch, pyr_down_gauss5, pyr_up_gauss5, pyramid_levels, pyramid_up,
+                     sample_line)
 from .stats import mean, mean_std, min_max, norm, norm_diff, norm_rel
 
 

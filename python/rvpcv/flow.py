@@ -3,23 +3,9 @@ import numpy as np
 
 from ._binding import ffi, lib
 from ._support import Image, call, documented
+from .subpix import pyramid_levels
 
 _FORMS = {np.dtype(np.uint8): "8u", np.dtype(np.uint16): "16u", np.dtype(np.float32): "32f"}
-
-
-def _pyramid(img, levels):
-    """Levels by means of 2x2 blocks, each half the size of the one below."""
-    out = [np.ascontiguousarray(img)]
-    for _ in range(levels):
-        a = out[-1]
-        h, w = a.shape[0] // 2, a.shape[1] // 2
-        if h < 1 or w < 1:
-            break
-        b = a[:2 * h, :2 * w].astype(np.float64).reshape(h, 2, w, 2).mean(axis=(1, 3))
-        if a.dtype != np.float32:
-            b = np.floor(b + 0.5)
-        out.append(b.astype(a.dtype))
-    return out
 
 
 def _record(levels, keep):
@@ -40,7 +26,7 @@ def _record(levels, keep):
 @documented("rvpiOpticalFlowPyrLK_8u_C1R")
 def optical_flow(img1, img2, points, guesses=None, window=21, levels=3, max_iter=30, threshold=0.01):
     """Follows (N, 2) points (x, y) from img1 to img2 (same size, uint8,
-    uint16 or float32, one channel) over pyramids of 2x2 means with `levels`
+    uint16 or float32, one channel) over pyramids at ratio 2 (1 4 6 4 1) with `levels`
     levels above the images. Returns (positions, status, error): status 0 for
     a tracked point, k > 0 for one lost at level k - 1."""
     a, b = np.asarray(img1), np.asarray(img2)
@@ -57,7 +43,7 @@ def optical_flow(img1, img2, points, guesses=None, window=21, levels=3, max_iter
     if n == 0:
         return nxt, status, error
     keep = []
-    pa, pb = _pyramid(a, levels), _pyramid(b, levels)
+    pa, pb = pyramid_levels(a, levels, 2.0), pyramid_levels(b, levels, 2.0)
     ra, rb = _record(pa, keep), _record(pb, keep)
     state = ffi.new("RvpiOptFlowPyrLKState **")
     call("rvpiOpticalFlowPyrLKInitAlloc_%s_C1R" % form, state, [a.shape[1], a.shape[0]], int(window), 0)

@@ -218,6 +218,29 @@ def test_flood_fill_and_labels_against_scipy():
         rvpcv.label_markers(binary, max_label=255)
 
 
+def test_pyramid_levels_patches_and_lines():
+    img = (np.arange(60 * 45) % 251).astype(np.uint8).reshape(45, 60)
+    levels = rvpcv.pyramid_levels(img, levels=3, ratio=1.5)
+    assert [lv.shape for lv in levels] == [(45, 60), (30, 40), (20, 27), (14, 18)]
+    # A flat picture stays flat through the normalised kernel, down and up.
+    flat = np.full((30, 41, 3), 77, np.uint8)
+    assert np.all(rvpcv.pyramid_levels(flat, 2)[2] == 77)
+    up = rvpcv.pyramid_up(np.full((10, 12), 3.5, np.float32), ratio=2.0)
+    assert up.shape == (20, 24) and np.allclose(up, 3.5)
+    # Integer centres copy exactly; half-way centres average their neighbours.
+    f = np.random.default_rng(1).random((20, 30)).astype(np.float32)
+    patch, lo, hi = rvpcv.get_patch(f, (10, 8), (5, 3))
+    assert np.array_equal(patch, f[7:10, 8:13]) and lo == (0, 0) and hi == (4, 2)
+    half = rvpcv.copy_subpix(f, 0.5, 0.0)
+    assert half.shape == (20, 29) and np.allclose(half, (f[:, :-1] + f[:, 1:]) / 2, atol=1e-6)
+    assert np.array_equal(rvpcv.sample_line(img, (0, 0), (9, 3)), img[[0, 0, 1, 1, 1, 2, 2, 2, 3, 3], np.arange(10)])
+    # The 5x5 steps: a ramp stays a ramp inside, sizes halve and double.
+    ramp = np.tile(np.arange(64, dtype=np.float32), (40, 1))
+    down = rvpcv.pyr_down_gauss5(ramp)
+    assert down.shape == (20, 32) and np.allclose(down[:, 2:-2], ramp[:20, 4:-4:2])
+    assert rvpcv.pyr_up_gauss5(np.zeros((5, 7, 3), np.uint8)).shape == (10, 14, 3)
+
+
 def _pyr_model(a, down):
     """The 5x5 Gaussian steps in numpy, straight from the rules: replicated
     border, exact integers for uint8, the stated float order for float32."""

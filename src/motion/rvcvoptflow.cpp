@@ -15,6 +15,7 @@
 
 #include "rvcvframe.h"
 #include "rvcvprim.h"
+#include "rvcvsampler.h"
 
 struct RvpiOptFlowPyrLKState {
     Rvp32s roiWidth, roiHeight;
@@ -47,108 +48,14 @@ template <> struct Kinds<Rvp32f> {
 };
 
 // ---- Patch sampling -----------------------------------------------------------
-// A patch of n samples on an axis centred on c: f = c - (n - 1) / 2, i0 the
-// floor of f, a the 14-bit fraction. Patch indices lo..hi have both of
-// their samples inside the image; positions outside take the nearest sample.
-struct Axis {
-    int i0, a, lo, hi;
-};
-
-Axis axis(float c, int n, int size) {
-    Axis r{};
-    const float f = c - static_cast<float>(n - 1) * 0.5f;
-    if (!(f > -1e8f && f < 1e8f)) {  // far outside, or NaN: a window that meets nothing
-        r.i0 = f < 0 ? -2 * n : size;
-        r.lo = r.i0 < 0 ? n : 0;
-        r.hi = r.i0 < 0 ? n - 1 : -1;
-        return r;
-    }
-    r.i0 = static_cast<int>(static_cast<float>(n) + f) - n;
-    r.a = static_cast<int>((f - static_cast<float>(r.i0)) * 16384.0f + 0.5f);
-    r.lo = r.i0 < 0 ? (-r.i0 < n ? -r.i0 : n) : 0;
-    r.hi = n - 1;
-    if (r.i0 + n - 1 > size - 2) r.hi = size - (r.i0 + n - 1) - 3 + n;
-    if (r.i0 >= size) r.lo = 0, r.hi = -1;
-    return r;
-}
-
-inline int clampTo(int v, int size) { return v < 0 ? 0 : v >= size ? size - 1 : v; }
-
-// Pairs of neighbouring 16-bit samples times pairs of weights, eight
-// results: the top row's pair (wTop) plus the bottom row's pair (wBot),
-// times 2^gain, rounded, shifted, stored as 16 bits (every result fits).
-inline void madd8(int16_t* o, __m128i t0, __m128i t1, __m128i b0, __m128i b1, __m128i wTop, __m128i wBot,
-                  __m128i round, int shift, int gain) {
-    const __m128i g = _mm_cvtsi32_si128(gain), s = _mm_cvtsi32_si128(shift);
-    const __m128i lo = _mm_sll_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(t0, t1), wTop),
-                                                   _mm_madd_epi16(_mm_unpacklo_epi16(b0, b1), wBot)), g);
-    const __m128i hi = _mm_sll_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(t0, t1), wTop),
-                                                   _mm_madd_epi16(_mm_unpackhi_epi16(b0, b1), wBot)), g);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm_packs_epi32(_mm_sra_epi32(_mm_add_epi32(lo, round), s),
-                                                                    _mm_sra_epi32(_mm_add_epi32(hi, round), s)));
-}
-
-inline __m128i pairOf(int a, int b) { return _mm_set1_epi32(static_cast<int>((static_cast<uint32_t>(b) << 16) | static_cast<uint16_t>(a))); }
-
-// n x n samples, each from the 2x2 neighbourhood whose top-left sample is
-// (x0 + k, y0 + j) and four integer weights: (sum * 2^gain + half) >> shift
-// in 16 bits, or sum / 16384 in floats. Positions outside the image take the
-// nearest sample; where none is outside and every weight fits 16 bits,
-// integer rows go eight at a time.
-template <class T, class P>
-void bilinear(P* out, int n, const T* img, int step, int w, int h, int x0, int y0, const int (&wt)[4], int shift,
-              int gain = 0) {
-    const bool fast = std::is_integral<P>::value && x0 >= 0 && x0 + n <= w - 1 && y0 >= 0 && y0 + n <= h - 1 &&
-                      wt[0] < 32768 && wt[1] < 32768 && wt[2] < 32768 && wt[3] < 32768;
-    const int half = 1 << (shift - 1);
-    const __m128i wTop = pairOf(wt[0], wt[1]), wBot = pairOf(wt[2], wt[3]), round = _mm_set1_epi32(half);
-    const auto load = [](const T* p) {
-        if constexpr (sizeof(T) == 1)
-            return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), _mm_setzero_si128());
-        else
-            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    };
-    for (int j = 0; j < n; ++j) {
-        const T* r0 = rowPtr(img, step, clampTo(y0 + j, h));
-        const T* r1 = rowPtr(img, step, clampTo(y0 + j + 1, h));
-        P* o = out + static_cast<ptrdiff_t>(j) * n;
-        int k = 0;
-        if constexpr (std::is_integral<P>::value && sizeof(T) <= 2) {
-            if (fast) {
-                const T* a = r0 + x0;
-                const T* b = r1 + x0;
-                for (; k + 8 <= n; k += 8)
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift, gain);
-                if (k < n && n >= 8) {  // the last eight again, overlapping
-                    k = n - 8;
-                    madd8(o + k, load(a + k), load(a + k + 1), load(b + k), load(b + k + 1), wTop, wBot, round, shift, gain);
-                    k = n;
-                }
-            }
-        }
-        for (; k < n; ++k) {
-            const int xa = clampTo(x0 + k, w), xb = clampTo(x0 + k + 1, w);
-            if constexpr (std::is_integral<P>::value) {
-                o[k] = static_cast<P>(((wt[0] * r0[xa] + wt[1] * r0[xb] + wt[2] * r1[xa] + wt[3] * r1[xb]) * (1 << gain) + half) >> shift);
-            } else {
-                const float top = static_cast<float>(wt[0]) * static_cast<float>(r0[xa]) +
-                                  static_cast<float>(wt[1]) * static_cast<float>(r0[xb]);
-                const float bottom = static_cast<float>(wt[2]) * static_cast<float>(r1[xa]) +
-                                     static_cast<float>(wt[3]) * static_cast<float>(r1[xb]);
-                o[k] = (top + bottom) * (1.0f / 16384.0f);
-            }
-        }
-    }
-}
+using sampler::Axis;
+using sampler::axis;
 
 // n x n patch with its top-left sample at (ax.i0, ay.i0), 14-bit weights
 // (8u: 7 fractional bits kept).
 template <class T, class P>
 void samplePatch(P* out, int n, const T* img, int step, int w, int h, const Axis& ax, const Axis& ay) {
-    const int wx0 = 16384 - ax.a, wx1 = ax.a, wy0 = 16384 - ay.a, wy1 = ay.a;
-    const int wt[4] = {(wy0 * wx0 + 8192) >> 14, (wy0 * wx1 + 8192) >> 14, (wy1 * wx0 + 8192) >> 14,
-                       (wy1 * wx1 + 8192) >> 14};
-    bilinear(out, n, img, step, w, h, ax.i0, ay.i0, wt, 7);
+    sampler::bilinear(out, n, n, n, img, step, w, h, ax.i0, ay.i0, sampler::weights14(ax.a, ay.a).w, 7);
 }
 
 // 16-bit derivative planes sampled with 15-bit weights at the window's
@@ -174,7 +81,7 @@ void samplePlane15(int16_t* out, int n, const Rvp16s* plane, int pitch, int w, i
                        ((32768 - a) * b + 16384) >> 15, (a * b + 16384) >> 15};
     // The plane holds the filter's values; x4 (exact: at most 4080 x 4) is
     // applied to the sum, the same as to every sample before it.
-    bilinear(out, n, plane, 2 * pitch, w, h, fx.start, fy.start, wt, 15, 2);
+    sampler::bilinear(out, n, n, n, plane, 2 * pitch, w, h, fx.start, fy.start, wt, 15, 2);
 }
 
 // Scharr derivatives inside a patch of n x n samples, written at the

@@ -1,7 +1,7 @@
 // track: follows corner points from picture A to picture B by pyramidal
 // optical flow. Points are the strongest local maxima of the corner strength
 // (smaller eigenvalue of the gradient tensor), at least 8 pixels apart; the
-// pyramids halve each level by 2x2 means. Writes A with the motion drawn
+// pyramids halve each level with the 1 4 6 4 1 kernel. Writes A with the motion drawn
 // (green line to the new position, red dot for a lost point) and with --csv
 // prints one line per point.
 #include <algorithm>
@@ -20,23 +20,6 @@ struct Options {
     int points = 500, window = 21, levels = 3;
     bool csv = false;
 };
-
-// Level l + 1 from level l: means of 2x2 blocks.
-std::vector<Picture> pyramid(const Picture& gray, int levels) {
-    std::vector<Picture> p{gray};
-    for (int l = 0; l < levels; ++l) {
-        const Picture& s = p.back();
-        if (s.width < 2 || s.height < 2) break;
-        Picture d = makePicture(s.width / 2, s.height / 2, 1, 8);
-        for (int y = 0; y < d.height; ++y)
-            for (int x = 0; x < d.width; ++x) {
-                const uint8_t* a = s.data.data() + static_cast<size_t>(2 * y) * s.width + 2 * x;
-                d.data[static_cast<size_t>(y) * d.width + x] = static_cast<uint8_t>((a[0] + a[1] + a[s.width] + a[s.width + 1] + 2) / 4);
-            }
-        p.push_back(std::move(d));
-    }
-    return p;
-}
 
 // The strongest local maxima of the corner strength, greedily kept at least
 // 8 pixels apart.
@@ -93,7 +76,13 @@ RvpStatus track(const Picture& a, const Picture& b, const Options& o, Flow& f) {
     f.status.assign(f.from.size(), 0);
     f.error.assign(f.from.size(), 0);
     if (f.from.empty()) return rvpStsNoErr;
-    const std::vector<Picture> pa = pyramid(a, o.levels), pb = pyramid(b, o.levels);
+    std::vector<Picture> pa, pb;
+    if (o.levels > 0) {
+        if (RvpStatus st = binomialPyramid(a, o.levels, 2.0f, pa)) return st;
+        if (RvpStatus st = binomialPyramid(b, o.levels, 2.0f, pb)) return st;
+    } else {
+        pa = {a}, pb = {b};
+    }
     const int maxLev = static_cast<int>(pa.size()) - 1;
     std::vector<void*> ia, ib;
     std::vector<RvpiSize> rois;
