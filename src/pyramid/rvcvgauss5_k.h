@@ -36,30 +36,29 @@ template <class A> A sum44(A b, A c) {  // 4 4
 }
 
 // ---- Vertical passes over `count` samples of the source rows -----------------
+// N samples from p, widened to accumulators.
+template <class T> Vec<typename Acc<T>::type> widen(const T* p) {
+    using VA = Vec<typename Acc<T>::type>;
+    typedef T VT __attribute__((vector_size(sizeof(VA) / sizeof(typename Acc<T>::type) * sizeof(T))));
+    return __builtin_convertvector(loadv<VT>(p), VA);
+}
+
 template <class T>
 void vertDown(const T* r0, const T* r1, const T* r2, const T* r3, const T* r4, typename Acc<T>::type* out, int count) {
-    using A = typename Acc<T>::type;
-    using VA = Vec<A>;
-    constexpr int N = lanes<A>();
-    typedef T VT __attribute__((vector_size(N * sizeof(T))));
+    constexpr int N = lanes<typename Acc<T>::type>();
     int s = 0;
-    for (; s + N <= count; s += N) {
-        auto ld = [&](const T* r) { return __builtin_convertvector(loadv<VT>(r + s), VA); };
-        storev(out + s, sum5(ld(r0), ld(r1), ld(r2), ld(r3), ld(r4)));
-    }
-    for (; s < count; ++s) out[s] = sum5<A>(r0[s], r1[s], r2[s], r3[s], r4[s]);
+    for (; s + N <= count; s += N)
+        storev(out + s, sum5(widen(r0 + s), widen(r1 + s), widen(r2 + s), widen(r3 + s), widen(r4 + s)));
+    for (; s < count; ++s) out[s] = sum5<typename Acc<T>::type>(r0[s], r1[s], r2[s], r3[s], r4[s]);
 }
 
 template <class T>
 void vertUp(const T* r0, const T* r1, const T* r2, typename Acc<T>::type* ev, typename Acc<T>::type* od, int count) {
     using A = typename Acc<T>::type;
-    using VA = Vec<A>;
     constexpr int N = lanes<A>();
-    typedef T VT __attribute__((vector_size(N * sizeof(T))));
     int s = 0;
     for (; s + N <= count; s += N) {
-        const VA a = __builtin_convertvector(loadv<VT>(r0 + s), VA), b = __builtin_convertvector(loadv<VT>(r1 + s), VA),
-                 c = __builtin_convertvector(loadv<VT>(r2 + s), VA);
+        const auto a = widen(r0 + s), b = widen(r1 + s), c = widen(r2 + s);
         storev(ev + s, sum161(a, b, c));
         storev(od + s, sum44(b, c));
     }
