@@ -231,9 +231,12 @@ void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dst
             const int first = 2 * x0 - 2, lo = std::max(first, 0), hi = std::min(first + 2 * n + 3, w);
             if constexpr (C == 1) {
                 vertDownPairs<T>(r, first, lo, hi, E, O);
-                auto at = [&](int q) -> A& { return (q & 1 ? O : E)[q >> 1]; };
-                for (int q = 0; q < lo - first; ++q) at(q) = at(lo - first);
-                for (int q = hi - first; q < 2 * n + 3; ++q) at(q) = at(hi - first - 1);
+                // Pads: the left edge pixel is even (lo - first is), the right one either.
+                const A left = E[(lo - first) >> 1];
+                const int r = hi - first - 1;
+                const A right = (r & 1 ? O : E)[r >> 1];
+                for (int q = 0; q < lo - first; ++q) (q & 1 ? O : E)[q >> 1] = left;
+                for (int q = r + 1; q < 2 * n + 3; ++q) (q & 1 ? O : E)[q >> 1] = right;
             } else {
                 const int a = lo * C, count = (hi - lo) * C;
                 vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
