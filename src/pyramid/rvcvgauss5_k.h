@@ -1,9 +1,12 @@
 // Gaussian 5x5 pyramid kernels, written once over sample type and channel
-// count and compiled per instruction set (see rvcvsimd.h). A row chunk runs a
-// vertical pass into scratch (replicated columns copied into the pads), then
-// a horizontal pass whose vector lanes gather their taps by constant
-// shuffles; scalar code only for the vertical pass's last samples, with the
-// same operations in the same order.
+// count and compiled per instruction set (see rvcvsimd.h). Rows go in column
+// chunks. Down: vertical sums of the chunk's source pixels, kept as even and
+// odd pixels apart (one channel: parted as they are summed; three: parted by
+// constant shuffles), then the five horizontal taps on plain loads. Up:
+// vertical sums for the even and odd output rows, then even and odd outputs
+// on plain loads, interleaved by constant shuffles. Replicated columns are
+// copied into the pads; scalar code, with the same operations in the same
+// order, only for the vertical passes' last samples.
 #include <algorithm>
 #include <type_traits>
 #include <utility>
