@@ -121,21 +121,25 @@ void vertDownPairs(const T* const r[5], int first, int lo, int hi, typename Acc<
     constexpr int N = lanes<A>();
     int p = lo;
     for (; p + 2 * N <= hi; p += 2 * N) {
-        VA ev[5], od[5];
-        for (int t = 0; t < 5; ++t) {
-            if constexpr (sizeof(T) == 1) {
+        const int k = (p - first) / 2;
+        if constexpr (sizeof(T) == 1) {
+            VA ev[5], od[5];
+            for (int t = 0; t < 5; ++t) {
                 const VA v = loadv<VA>(r[t] + p);  // pixel pairs, the even one in the low byte
                 ev[t] = v & 0xFF;
                 od[t] = v >> 8;
-            } else {
-                const VA a = loadv<VA>(r[t] + p), b = loadv<VA>(r[t] + p + N);
-                ev[t] = gatherDown<N, 1>(a, b, std::make_index_sequence<N>());
-                od[t] = oddLanes(a, b, std::make_index_sequence<N>());
             }
+            storev(E + k, sum5(ev[0], ev[1], ev[2], ev[3], ev[4]));
+            storev(O + k, sum5(od[0], od[1], od[2], od[3], od[4]));
+        } else {  // summed as they lie, then parted (lane-wise sums: the same bits)
+            auto col = [&](int o) {
+                return sum5(loadv<VA>(r[0] + o), loadv<VA>(r[1] + o), loadv<VA>(r[2] + o), loadv<VA>(r[3] + o),
+                            loadv<VA>(r[4] + o));
+            };
+            const VA a = col(p), b = col(p + N);
+            storev(E + k, gatherDown<N, 1>(a, b, std::make_index_sequence<N>()));
+            storev(O + k, oddLanes(a, b, std::make_index_sequence<N>()));
         }
-        const int k = (p - first) / 2;
-        storev(E + k, sum5(ev[0], ev[1], ev[2], ev[3], ev[4]));
-        storev(O + k, sum5(od[0], od[1], od[2], od[3], od[4]));
     }
     for (; p < hi; ++p) {
         const A v = sum5<A>(r[0][p], r[1][p], r[2][p], r[3][p], r[4][p]);
