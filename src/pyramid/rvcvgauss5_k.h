@@ -144,7 +144,8 @@ void vertDownPairs(const T* const r[5], int first, int lo, int hi, typename Acc<
     for (; p < hi; ++p) {
         const A v = sum5<A>(r[0][p], r[1][p], r[2][p], r[3][p], r[4][p]);
         const int q = p - first;
-        (q & 1 ? O : E)[q >> 1] = v;
+        if (q & 1) O[q >> 1] = v;
+        else E[q >> 1] = v;
     }
 }
 
@@ -240,10 +241,16 @@ void down(const void* src, int64_t srcStep, int w, int h, void* dst, int64_t dst
                 vertDownPairs<T>(r, first, lo, hi, E, O);
                 // Pads: the left edge pixel is even (lo - first is), the right one either.
                 const A left = E[(lo - first) >> 1];
-                const int r = hi - first - 1;
-                const A right = (r & 1 ? O : E)[r >> 1];
-                for (int q = 0; q < lo - first; ++q) (q & 1 ? O : E)[q >> 1] = left;
-                for (int q = r + 1; q < 2 * n + 3; ++q) (q & 1 ? O : E)[q >> 1] = right;
+                const int last = hi - first - 1;
+                const A right = last & 1 ? O[last >> 1] : E[last >> 1];
+                for (int q = 0; q < lo - first; ++q) {
+                    if (q & 1) O[q >> 1] = left;
+                    else E[q >> 1] = left;
+                }
+                for (int q = last + 1; q < 2 * n + 3; ++q) {
+                    if (q & 1) O[q >> 1] = right;
+                    else E[q >> 1] = right;
+                }
             } else {
                 const int a = lo * C, count = (hi - lo) * C;
                 vertDown<T>(r[0] + a, r[1] + a, r[2] + a, r[3] + a, r[4] + a, L + (lo - first) * C, count);
