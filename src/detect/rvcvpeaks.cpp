@@ -1,12 +1,12 @@
 // Local extrema of a response image, colour gradients folded to one channel,
 // and a fast arctangent in degrees.
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
 
+#include "detect/rvcvarctan.h"
+#include "rvcvcpu.h"
 #include "rvcvframe.h"
 
 namespace rvcv {
@@ -157,26 +157,6 @@ RvpStatus gradientColorToGray(const T* pSrc, int srcStep, T* pDst, int dstStep, 
     return rvpStsNoErr;
 }
 
-// ---- Fast arctangent ------------------------------------------------------------------
-// Per element: d the larger magnitude (at least 1e-8), n the smaller; the
-// reciprocal of d refined once from the exact quotient; a quadratic in n / d
-// in degrees, reflected into the right octant and quadrant.
-inline __m128 atan4(__m128 y, __m128 x) {
-    const __m128 sign = _mm_set1_ps(-0.0f), zero = _mm_setzero_ps();
-    const __m128 ax = _mm_andnot_ps(sign, x), ay = _mm_andnot_ps(sign, y);
-    const __m128 d = _mm_max_ps(_mm_max_ps(ax, ay), _mm_set1_ps(1e-8f)), n = _mm_min_ps(ax, ay);
-    const __m128 r0 = _mm_div_ps(_mm_set1_ps(1.0f), d);
-    const __m128 r = _mm_sub_ps(_mm_mul_ps(_mm_set1_ps(2.0f), r0), _mm_mul_ps(_mm_mul_ps(d, r0), r0));
-    const __m128 t = _mm_mul_ps(n, r);
-    __m128 a = _mm_sub_ps(_mm_mul_ps(_mm_add_ps(_mm_mul_ps(t, _mm_set1_ps(-15.8131895f)), _mm_set1_ps(61.09419632f)), t),
-                          _mm_set1_ps(0.14050041f));
-    const auto pick = [](__m128 m, __m128 yes, __m128 no) { return _mm_or_ps(_mm_and_ps(m, yes), _mm_andnot_ps(m, no)); };
-    a = pick(_mm_cmplt_ps(ax, ay), _mm_sub_ps(_mm_set1_ps(90.0f), a), a);
-    a = pick(_mm_cmplt_ps(x, zero), _mm_sub_ps(_mm_set1_ps(180.0f), a), a);
-    a = pick(_mm_cmplt_ps(y, zero), _mm_sub_ps(_mm_set1_ps(360.0f), a), a);
-    return a;
-}
-
 }  // namespace
 }  // namespace rvcv
 
@@ -214,17 +194,22 @@ RVCV_EXPORT RvpStatus rvpiGradientColorToGray_32f_C3C1R(const Rvp32f* pSrc, int 
     return gradientColorToGray(pSrc, srcStep, pDst, dstStep, roiSize, norm);
 }
 
+// Blocks of 16 pairs go to the kernel of the active instruction set; the
+// rest through a block of 16 filled with 1.0.
 RVCV_EXPORT RvpStatus rvpibFastArctan_32f(const Rvp32f* pSrcY, const Rvp32f* pSrcX, Rvp32f* pDst, int length) {
     if (!pSrcY || !pSrcX || !pDst) return rvpStsNullPtrErr;
     if (length < 1) return rvpStsSizeErr;
-    int i = 0;
-    for (; i + 4 <= length; i += 4) _mm_storeu_ps(pDst + i, atan4(_mm_loadu_ps(pSrcY + i), _mm_loadu_ps(pSrcX + i)));
-    if (i < length) {  // the tail in a block of four filled with 1.0
-        float y[4] = {1.0f, 1.0f, 1.0f, 1.0f}, x[4] = {1.0f, 1.0f, 1.0f, 1.0f}, d[4];
-        std::memcpy(y, pSrcY + i, static_cast<size_t>(length - i) * 4);
-        std::memcpy(x, pSrcX + i, static_cast<size_t>(length - i) * 4);
-        _mm_storeu_ps(d, atan4(_mm_loadu_ps(y), _mm_loadu_ps(x)));
-        std::memcpy(pDst + i, d, static_cast<size_t>(length - i) * 4);
+    const ArctanKernel k = pick(m7::kArctan, avx2::kArctan, avx512::kArctan);
+    const int body = length & ~15;
+    if (body) k(pSrcY, pSrcX, pDst, body);
+    if (body < length) {
+        const size_t rest = static_cast<size_t>(length - body) * 4;
+        alignas(64) float y[16], x[16], d[16];
+        for (int i = 0; i < 16; ++i) y[i] = x[i] = 1.0f;
+        std::memcpy(y, pSrcY + body, rest);
+        std::memcpy(x, pSrcX + body, rest);
+        k(y, x, d, 16);
+        std::memcpy(pDst + body, d, rest);
     }
     return rvpStsNoErr;
 }

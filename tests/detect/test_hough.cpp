@@ -216,9 +216,12 @@ TEST(FastArctan, RuleAndTails) {
     std::vector<float> y(103), x(103), out(103);
     for (int i = 0; i < 103; ++i) y[i] = static_cast<float>(static_cast<int>(rng() % 201) - 100) / 3, x[i] = static_cast<float>(static_cast<int>(rng() % 201) - 100) / 3;
     y[0] = 0, x[0] = 1, y[1] = 1, x[1] = 1, y[2] = 0, x[2] = -1, y[3] = 0, x[3] = 0;
-    for (int len : {103, 1, 2, 3, 5}) {
-        ASSERT_EQ(rvpibFastArctan_32f(y.data(), x.data(), out.data(), len), rvpStsNoErr);
-        for (int i = 0; i < len; ++i) ASSERT_EQ(out[i], arctanModel(y[i], x[i])) << i;
+    for (rvcv::Isa isa : isaLevels()) {
+        ScopedIsa level(isa);
+        for (int len : {103, 1, 2, 3, 5, 16, 17}) {
+            ASSERT_EQ(rvpibFastArctan_32f(y.data(), x.data(), out.data(), len), rvpStsNoErr);
+            for (int i = 0; i < len; ++i) ASSERT_EQ(out[i], arctanModel(y[i], x[i])) << i;
+        }
     }
     EXPECT_NEAR(out[0], -0.1405, 1e-4);
     EXPECT_NEAR(out[2], 180.1405, 1e-3);
