@@ -161,6 +161,8 @@ public:
             if (p.kind == kInt && (pn.find("ength") != std::string::npos || pn == "tableSize"))
                 a.i = static_cast<int>(src_.below(64));
             if (p.kind == kInt && (pn.find("Count") != std::string::npos || pn == "numFeat")) a.i = static_cast<int>(src_.below(256));
+            // Kernels of kernelSize weights are read from arrays of the harness's size.
+            if (p.kind == kInt && pn == "kernelSize" && arrays && a.i > kArrayBytes / 8) return false;
             // Masks and kernels read from arrays of the harness's size.
             if (p.kind == kSize && arrays &&
                 static_cast<int64_t>(a.size.width) * a.size.height > kArrayBytes / 8)
