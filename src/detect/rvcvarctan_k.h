@@ -14,7 +14,7 @@ using M = Vec<int32_t>;
 inline V absv(V v) { return bitcast<V>(bitcast<M>(v) & 0x7fffffff); }
 inline V pick(M m, V yes, V no) { return bitcast<V>((m & bitcast<M>(yes)) | (~m & bitcast<M>(no))); }
 
-void arctan(const float* py, const float* px, float* pd, int n) {
+void arctan(const float* py, const float* px, float* pd, int n, bool nt) {
     constexpr int L = lanes<float>();
     const V tiny = splat<V>(1e-8f), one = splat<V>(1.0f), two = splat<V>(2.0f), zero = splat<V>(0.0f);
     for (int i = 0; i < n; i += L) {
@@ -30,8 +30,10 @@ void arctan(const float* py, const float* px, float* pd, int n) {
         a = pick(ax < ay, splat<V>(90.0f) - a, a);
         a = pick(x < zero, splat<V>(180.0f) - a, a);
         a = pick(y < zero, splat<V>(360.0f) - a, a);
-        storev(pd + i, a);
+        if (nt) streamv(pd + i, a);
+        else storev(pd + i, a);
     }
+    if (nt) _mm_sfence();
 }
 
 }  // namespace

@@ -201,14 +201,16 @@ RVCV_EXPORT RvpStatus rvpibFastArctan_32f(const Rvp32f* pSrcY, const Rvp32f* pSr
     if (length < 1) return rvpStsSizeErr;
     const ArctanKernel k = pick(m7::kArctan, avx2::kArctan, avx512::kArctan);
     const int body = length & ~15;
-    if (body) k(pSrcY, pSrcX, pDst, body);
+    // Arrays larger than the cache are written past it.
+    const bool nt = (reinterpret_cast<uintptr_t>(pDst) & 15) == 0 && int64_t{length} * 12 > maxCacheBytes();
+    if (body) k(pSrcY, pSrcX, pDst, body, nt);
     if (body < length) {
         const size_t rest = static_cast<size_t>(length - body) * 4;
         alignas(64) float y[16], x[16], d[16];
         for (int i = 0; i < 16; ++i) y[i] = x[i] = 1.0f;
         std::memcpy(y, pSrcY + body, rest);
         std::memcpy(x, pSrcX + body, rest);
-        k(y, x, d, 16);
+        k(y, x, d, 16, false);
         std::memcpy(pDst + body, d, rest);
     }
     return rvpStsNoErr;
