@@ -46,6 +46,24 @@ def main():
     except ImportError:
         pass
 
+    try:
+        from skimage.feature import canny as sk_canny, peak_local_max
+        from skimage.transform import hough_line, hough_line_peaks
+        edges = sk_canny(img.astype(float), sigma=2).astype(np.uint8)
+        angles = np.deg2rad(np.arange(0, 180))
+
+        def sk_hough():
+            acc, th, d = hough_line(edges, theta=angles)
+            return hough_line_peaks(acc, th, d, num_peaks=32, threshold=150)
+        rows.append(("hough lines, 32", best(lambda: rvpcv.hough_lines(edges, 150, 32)), best(sk_hough, 1),
+                     "skimage hough_line + hough_line_peaks"))
+        resp = (img.astype(np.float32) - 128.0)
+        rows.append(("peaks 3x3, 32f", best(lambda: rvpcv.find_peaks(resp, 100.0, 100000)),
+                     best(lambda: peak_local_max(resp, min_distance=1, threshold_abs=100.0), 1),
+                     "skimage peak_local_max"))
+    except ImportError:
+        pass
+
     from skimage.restoration import inpaint_biharmonic
     try:
         from skimage.transform import pyramid_gaussian

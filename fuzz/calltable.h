@@ -20,7 +20,7 @@
 
 namespace calltable {
 
-enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kPoint32f, kData, kRows, kScratch, kStateIn, kStateOut };
+enum Kind { kInt, kU8, kS8, kU16, kS16, kF32, kF64, kSize, kPoint, kRect, kPoint32f, kPolar, kData, kRows, kScratch, kStateIn, kStateOut };
 
 struct Param {
     Kind kind;
@@ -47,6 +47,7 @@ union Arg {
     RvpiPoint pt;
     RvpiRect rect;
     RvpiPoint32f pt32f;
+    RvpPointPolar polar;
 };
 
 struct Function {
@@ -160,6 +161,8 @@ public:
             if (p.kind == kInt && (pn.find("ength") != std::string::npos || pn == "tableSize"))
                 a.i = static_cast<int>(src_.below(64));
             if (p.kind == kInt && (pn.find("Count") != std::string::npos || pn == "numFeat")) a.i = static_cast<int>(src_.below(256));
+            // Kernels of kernelSize weights are read from arrays of the harness's size.
+            if (p.kind == kInt && pn == "kernelSize" && arrays && a.i > kArrayBytes / 8) return false;
             // Masks and kernels read from arrays of the harness's size.
             if (p.kind == kSize && arrays &&
                 static_cast<int64_t>(a.size.width) * a.size.height > kArrayBytes / 8)
@@ -205,7 +208,7 @@ public:
             const Buffer& b = bufs_[i];
             for (size_t k = 0; k < b.mem.size(); ++k) {
                 if (b.mem[k] == before[i][k]) continue;
-                if (p.isConst || o.status < 0 || !b.mayWrite(k)) {
+                if (p.isConst || (o.status < 0 && !writesOnError(p.name, o.status)) || !b.mayWrite(k)) {
                     o.problem = std::string(p.isConst ? "wrote an input" : o.status < 0 ? "wrote on error" : "wrote outside the region") +
                                 " (" + p.name + ", byte " + std::to_string(static_cast<int64_t>(k) - static_cast<int64_t>(b.origin)) + ")";
                     break;
@@ -223,6 +226,13 @@ public:
                 }
         }
         return o;
+    }
+
+    // The one documented write on an error: the region Hough transform sets
+    // its line count to 0 before it reports a range whose limits cross.
+    bool writesOnError(const char* param, int status) const {
+        return status == rvpStsRangeErr && std::string(f_.name).rfind("rvpiHoughLine_Region_", 0) == 0 &&
+               std::string(param) == "pLineCount";
     }
 
     // Output bytes, for comparing runs of the same call.
@@ -294,6 +304,7 @@ private:
         case kPoint: a.pt = RvpiPoint{drawInt(), drawInt()}; break;
         case kRect: a.rect = RvpiRect{drawInt(), drawInt(), drawInt(), drawInt()}; break;
         case kPoint32f: a.pt32f = RvpiPoint32f{static_cast<float>(drawReal()), static_cast<float>(drawReal())}; break;
+        case kPolar: a.polar = RvpPointPolar{static_cast<float>(drawReal()), static_cast<float>(drawReal())}; break;
         default: break;
         }
     }

@@ -11,14 +11,14 @@ import re
 import sys
 
 SAMPLES = {"Rvp8u": 1, "Rvp8s": 1, "Rvp16u": 2, "Rvp16s": 2, "Rvp32s": 4, "Rvp32u": 4, "Rvp32f": 4, "Rvp64f": 8,
-           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16, "RvpiPoint32f": 8,
+           "void": 1, "int": 4, "RvpiPoint": 8, "RvpiSize": 8, "RvpiRect": 16, "RvpiPoint32f": 8, "RvpPointPolar": 8,
            "RvpiConnectedComp": 48}
 SCALARS = {"int": "kInt", "Rvp8u": "kU8", "Rvp8s": "kS8", "Rvp16u": "kU16", "Rvp16s": "kS16", "Rvp32s": "kInt",
            "Rvp32u": "kInt", "Rvp32f": "kF32", "Rvp64f": "kF64", "RvpiSize": "kSize", "RvpiPoint": "kPoint",
-           "RvpiRect": "kRect", "RvpiPoint32f": "kPoint32f"}
+           "RvpiRect": "kRect", "RvpiPoint32f": "kPoint32f", "RvpPointPolar": "kPolar"}
 FIELDS = {"kInt": "i", "kU8": "u8", "kS8": "s8", "kU16": "u16", "kS16": "s16", "kF32": "f", "kF64": "d",
           "kSize": "size", "kPoint": "pt", "kRect": "rect",
-          "kPoint32f": "pt32f"}
+          "kPoint32f": "pt32f", "kPolar": "polar"}
 
 
 def parse(text):
@@ -30,10 +30,12 @@ def parse(text):
             p = " ".join(p.split())
             if not p or p == "void":
                 continue
-            m = re.match(r"(const\s+)?(\w+)\s*(\**)\s*(\w+)$", p)
+            m = re.match(r"(const\s+)?(\w+)\s*(\**)\s*(\w+)(\[\d+\])?$", p)
             if not m:
                 raise SystemExit("cannot read parameter '%s' of %s" % (p, name))
-            ps.append({"const": bool(m.group(1)), "type": m.group(2), "stars": len(m.group(3)), "name": m.group(4)})
+            # An array parameter (T name[N]) is a pointer.
+            ps.append({"const": bool(m.group(1)), "type": m.group(2), "stars": len(m.group(3)) + (1 if m.group(5) else 0),
+                       "name": m.group(4)})
         out.append((name, ps))
     return out
 
@@ -109,7 +111,16 @@ def main():
                 # A query whose suffix names the function's form beats the
                 # plain query of the same stem (GetSize_Grad for Grad forms).
                 score = len(base) + (0.5 if qsuffix else 0)
-                if (qsuffix and qsuffix not in (suffix, plain) and not suffix.startswith(qsuffix)) \
+                # The type and form parts of a suffix (8u32f_C1R of Region_8u32f_C1R); a
+                # query of the source type (8u_C1R) serves the forms it starts.
+                form = [x for x in suffix.split("_") if x[:1].isdigit() or re.match(r"C\d", x)]
+                qform = qsuffix.split("_")
+                widening = (len(form) == len(qform) > 1 and form[0] != qform[0] and form[0].startswith(qform[0])
+                            and form[1:] == qform[1:])
+                exact = not qsuffix or qsuffix in (suffix, plain) or suffix.startswith(qsuffix)
+                if not exact:
+                    score -= 0.25  # a query that names the form exactly wins
+                if (not exact and not widening) \
                         or not stem.startswith(base) or score <= best:
                     continue
                 m = []

@@ -1765,6 +1765,83 @@ RVPAPI RvpStatus rvpiFastMarchingGetBufferSize_8u32f_C1R(RvpiSize roiSize, int* 
 RVPAPI RvpStatus rvpiFastMarching_8u32f_C1R(const Rvp8u* pSrc, int srcStep, Rvp32f* pDst, int dstStep,
                                             RvpiSize roiSize, Rvp32f radius, Rvp8u* pBuffer);
 
+/* ---- Hough lines -------------------------------------------------------------- */
+/* A line in polar form (rho from the region's origin, theta in radians), also
+ * the step sizes and the limits of a search region. */
+typedef struct { Rvp32f rho; Rvp32f theta; } RvpPointPolar;
+/* Standard Hough transform of the non-zero pixels of an 8-bit image: votes in
+ * numRho = int(float(2 (W + H) + 1) / delta.rho) distance bins (bin of x, y:
+ * ((int(x cos' + y sin') + 512) >> 10) + half, half = (numRho - 1) >> 1, with
+ * cos' and sin' the 1/1024-bin tables int(cos(a) * double(1.0f / delta.rho)
+ * * 1024.0), the sum in float) by numTheta = int(3.14159 / delta.theta) + 1
+ * angles (entry 0 is 0, entry 1 delta.theta, each later one two steps after
+ * the one before it, added in float; the range stops short of pi). A bin is
+ * a line when its votes exceed threshold, reach the list's cut-off, exceed
+ * its earlier neighbours (rho - 1, the previous angle) and are not below its
+ * later ones (rho + 1, the next angle); the angles do not wrap. Lines go into
+ * a list of at most maxLineCount entries sorted by votes (equal votes: the
+ * earlier found first); once it is full, a row's peaks must reach the
+ * weakest entry as it stood when the row was scanned (the last angle's
+ * insertions do not raise it), and a peak equal to the weakest is dropped.
+ * pLine[i] = (float(bin - half) * delta.rho, float(angle) * delta.theta);
+ * *pLineCount the number of lines. A full list is not an error.
+ * Region form: only angles with dstRoi[0].theta <= float(t) * delta.theta <=
+ * dstRoi[1].theta take part, both thetas first clamped to 0..3.14159 and
+ * written back; bins in int(dstRoi[0].rho / delta.rho + half) ..
+ * int(half + dstRoi[1].rho / delta.rho) count, each computed in 32-bit
+ * integers (x cos' + y sin' + 512) >> 10 (wrapping) plus half; a NaN rho
+ * limit admits nothing. Bins outside the accumulator are never counted.
+ * Size query: H (4 W + 64) + 16 maxLineCount + 8 (int(3.14159 / delta.theta)
+ * + 1) + 16 numRho + 288 bytes; past 2^31 - 1 it stores the value wrapped to
+ * 32 bits and returns rvpStsBufferSizeWrn (12), and the transforms refuse
+ * those arguments with rvpStsSizeErr.
+ * Statuses: query: NullPtr, Size, BadArg (a step not above 0). Transforms:
+ * NullPtr (pSrc, pLine, pLineCount, pBuffer; dstRoi), Step (srcStep below 1
+ * or below the width), Size (width, height, maxLineCount below 1; the
+ * buffer as above), BadArg (delta.rho not above 0 or above W + H, delta.theta
+ * not above 0 or above 3.14159, threshold below 1), Range (region: a low
+ * limit above its high one; *pLineCount is set to 0). */
+RVPAPI RvpStatus rvpiHoughLineGetSize_8u_C1R(RvpiSize roiSize, RvpPointPolar delta, int maxLineCount, int* pBufSize);
+RVPAPI RvpStatus rvpiHoughLine_8u32f_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, RvpPointPolar delta, int threshold, RvpPointPolar* pLine, int maxLineCount, int* pLineCount, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiHoughLine_Region_8u32f_C1R(const Rvp8u* pSrc, int srcStep, RvpiSize roiSize, RvpPointPolar* pLine, RvpPointPolar dstRoi[2], int maxLineCount, int* pLineCount, RvpPointPolar delta, int threshold, Rvp8u* pBuffer);
+
+/* ---- Peaks, colour gradient, fast arctangent ---------------------------------- */
+/* Local extrema in raster order, rows and columns border .. size - border - 1:
+ * a pixel v with |v| > threshold is a peak when v > 0 and v is the maximum of
+ * its neighbourhood (32f: within 1.1754944e-38), or v <= 0 (32s: v < 1) and
+ * it is the minimum; norm 0: the 3x3 square, 1: the 5-pixel cross. A
+ * plateau gives every pixel. The scan stops quietly at maxPeakCount peaks;
+ * *pPeakCount the number written to pPeak (x, y). 32s: |v| in 32 bits, so
+ * -2^31 never passes a non-negative threshold.
+ * Buffer: ((roiWidth + 5) & ~3) * 32 + 32 bytes.
+ * Statuses: query: NullPtr, Size (also a size past an int). FindPeaks: NullPtr
+ * (pSrc, pPeak, pPeakCount, pBuffer), Size (size, maxPeakCount or border
+ * below 1, border above half the width or height in float), Step (srcStep / 4
+ * below the width), NotEvenStep, BadArg (norm). */
+RVPAPI RvpStatus rvpiFindPeaks3x3GetBufferSize_32f_C1R(int roiWidth, int* pBufferSize);
+RVPAPI RvpStatus rvpiFindPeaks3x3GetBufferSize_32s_C1R(int roiWidth, int* pBufferSize);
+RVPAPI RvpStatus rvpiFindPeaks3x3_32f_C1R(const Rvp32f* pSrc, int srcStep, RvpiSize roiSize, Rvp32f threshold, RvpiPoint* pPeak, int maxPeakCount, int* pPeakCount, int norm, int border, Rvp8u* pBuffer);
+RVPAPI RvpStatus rvpiFindPeaks3x3_32s_C1R(const Rvp32s* pSrc, int srcStep, RvpiSize roiSize, Rvp32s threshold, RvpiPoint* pPeak, int maxPeakCount, int* pPeakCount, int norm, int border, Rvp8u* pBuffer);
+/* One channel from three under a norm (0 infinity, 1 L1, 2 L2). 8u: max,
+ * ((a + b + c) * 0x555 + 0x800) >> 12, int(sqrt((a^2 + b^2 + c^2) / 3.0) +
+ * 0.5); 16u: max, ((a + b + c) * 0x1555 + 0x2000) >> 14, the same root (the
+ * integer forms are means); 32f: the plain norms, not divided by 3: the
+ * largest magnitude (a NaN in the first channel gives NaN, in the others it
+ * is passed over), |a| + |b| + |c|, sqrtf(a^2 + b^2 + c^2). Threads only when
+ * called inside a parallel region (the team of the calling region).
+ * Statuses: NullPtr, Size, Step (srcStep below 3 W samples, dstStep below W),
+ * NotEvenStep, BadArg (norm). */
+RVPAPI RvpStatus rvpiGradientColorToGray_8u_C3C1R(const Rvp8u* pSrc, int srcStep, Rvp8u* pDst, int dstStep, RvpiSize roiSize, int norm);
+RVPAPI RvpStatus rvpiGradientColorToGray_16u_C3C1R(const Rvp16u* pSrc, int srcStep, Rvp16u* pDst, int dstStep, RvpiSize roiSize, int norm);
+RVPAPI RvpStatus rvpiGradientColorToGray_32f_C3C1R(const Rvp32f* pSrc, int srcStep, Rvp32f* pDst, int dstStep, RvpiSize roiSize, int norm);
+/* Angles of (x, y) in degrees, 0 to 360, by a quadratic: d the larger of |x|
+ * and |y| (at least 1e-8), n the smaller, r = 2 r0 - d r0 r0 with r0 the
+ * float quotient 1 / d (the same on every processor), t = n r,
+ * a = (t * -15.8131895 + 61.09419632) * t - 0.14050041; then 90 - a when
+ * |x| < |y|, 180 - a when x < 0, 360 - a when y < 0. (0, 0) gives
+ * -0.14050041. Statuses: NullPtr, Size (length below 1). */
+RVPAPI RvpStatus rvpibFastArctan_32f(const Rvp32f* pSrcY, const Rvp32f* pSrcX, Rvp32f* pDst, int length);
+
 /* ---- Pyramids: level geometry, records, layer states and resampling ------- */
 /* Sample-type codes of the pyramid layer states and the Gaussian step queries. */
 #define RVP_SAMPLE_8U  1

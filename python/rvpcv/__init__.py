@@ -18,6 +18,7 @@ from .fill import flood_fill, label_markers
 from .filters import box_blur, gaussian, laplacian, scharr, sobel
 from .geometry import undistort, undistort_maps
 from .flow import optical_flow
+from .hough import fast_arctan, find_peaks, gradient_color_to_gray, hough_lines
 from .inpaint import inpaint
 from .morphology import (dilate, erode, gray_dilate, gray_erode, max_filter, min_filter, morphology_ex,
                          reconstruct)

@@ -278,3 +278,20 @@ def test_gauss5_pyramid_steps_match_the_model():
         np.testing.assert_array_equal(up, _pyr_model(img, False))
     with pytest.raises(TypeError):
         rvpcv.pyr_down_gauss5(IMG.astype(np.int16))
+
+
+def test_hough_peaks_gradient_arctan():
+    img = np.zeros((100, 120), np.uint8)
+    img[40, :] = 255  # y = 40: rho 40 at theta pi / 2
+    lines = rvpcv.hough_lines(img, threshold=50, max_lines=3)
+    assert abs(lines[0, 0] - 40) <= 1 and abs(lines[0, 1] - np.pi / 2) <= np.pi / 180
+    crossed = ((10, 1.0), (5, 2.0))
+    with pytest.raises(rvpcv.RangeError):
+        rvpcv.hough_lines(img, 50, region=crossed)
+    resp = np.zeros((20, 20), np.float32)
+    resp[5, 7], resp[12, 3] = 3.0, -4.0
+    assert rvpcv.find_peaks(resp, 1.0).tolist() == [[7, 5], [3, 12]]
+    g = rvpcv.gradient_color_to_gray(np.full((4, 5, 3), 255, np.uint8), norm=1)
+    assert np.all(g == 255)
+    a = rvpcv.fast_arctan(np.array([0, 1, 0], np.float32), np.array([1, 1, -1], np.float32))
+    assert np.allclose(a, [-0.1405, 45.14, 180.14], atol=0.01)

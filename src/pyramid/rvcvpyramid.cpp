@@ -262,6 +262,8 @@ RvpStatus upInit(RvpiPyramidUpState** pp, RvpiSize roi, Rvp32f rate, const typen
     const int64_t rowElems = int64_t{roi.width} * channels;
     return makeBlock<T, RvpiPyramidUpState, UpBlock>(
         pp, roi, rate, pKernel, kernelSize, mode, channels, true, [&](int64_t at, UpBlock* b) -> int64_t {
+            // A filtered source past an int is an allocation that fails.
+            if (rowElems * static_cast<int64_t>(sizeof(F)) > INT32_MAX / roi.height) return INT64_MAX;
             const int64_t filtBytes = align32(rowElems * roi.height * static_cast<int64_t>(sizeof(F)));
             const int64_t colsAt = at + filtBytes;
             const int64_t rowsAt = align32(colsAt + maxDst * 8);

@@ -115,4 +115,12 @@ const RegisterCommand kReg(kCommand);
 const RegisterDemoStep kStep({60, "canny", demo});
 
 }  // namespace
+
+RvpStatus cannyEdges(const Picture& gray, float low, float high, Picture& edges, std::string& error) {
+    Derivatives d;
+    RvpStatus st = derivatives(gray, 3, d);
+    if (st == rvpStsNoErr) st = detect(d, low, high, edges, error);
+    return st;
+}
+
 }  // namespace tool

@@ -58,6 +58,9 @@ std::string statusText(RvpStatus st);
 // The built-in sample scene: a gray 8-bit image with shapes, gradients and
 // texture; `t` moves its objects.
 Picture sampleScene(int width, int height, int t);
+// Canny edges (3x3 Sobel, hysteresis between low and high) of an 8-bit gray
+// picture; `error` explains a refusal the status alone would not.
+RvpStatus cannyEdges(const Picture& gray, float low, float high, Picture& edges, std::string& error);
 // Levels 0..levels of an 8-bit gray or colour picture at the given ratio
 // (1 4 6 4 1 kernel, the library's layer states); fewer at 1 x 1.
 RvpStatus binomialPyramid(const Picture& pic, int levels, float ratio, std::vector<Picture>& out);
